@@ -1,0 +1,24 @@
+# Every library the layers link against, found once for the whole tree.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(OpenSSL 3 REQUIRED)
+find_package(CURL REQUIRED)
+find_package(ZLIB REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(nlohmann_json REQUIRED)
+find_package(CLI11 REQUIRED)
+pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
+
+# asio is header-only; it is used without boost.
+find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
+add_library(quillet_asio INTERFACE)
+target_include_directories(quillet_asio SYSTEM INTERFACE ${ASIO_INCLUDE_DIR})
+target_compile_definitions(quillet_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+
+if(QUILLET_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+if(QUILLET_BENCH)
+  find_package(benchmark REQUIRED)
+endif()

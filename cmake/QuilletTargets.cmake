@@ -1,0 +1,37 @@
+# Warnings as errors apply to our own code only.
+function(quillet_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Werror)
+endfunction()
+
+# quillet_layer(name DIR dir LIBS ...): one static library per layer, made of
+# every source file under the layer's directory.
+function(quillet_layer name)
+  cmake_parse_arguments(ARG "" "DIR" "LIBS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${ARG_DIR}/*.cc)
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+  target_link_libraries(${name} PUBLIC ${ARG_LIBS})
+  quillet_warnings(${name})
+endfunction()
+
+# quillet_test_dirs(layer LIBS ...): one test program per folder under
+# tests/<layer>/, named <layer>_<folder>_tests, each registered with CTest.
+function(quillet_test_dirs layer)
+  cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+  file(GLOB dirs LIST_DIRECTORIES true ${CMAKE_CURRENT_SOURCE_DIR}/${layer}/*)
+  foreach(dir ${dirs})
+    if(IS_DIRECTORY ${dir})
+      get_filename_component(facility ${dir} NAME)
+      file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${dir}/*.cc)
+      if(sources)
+        set(target ${layer}_${facility}_tests)
+        add_executable(${target} ${sources})
+        target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+        target_link_libraries(${target} PRIVATE ${ARG_LIBS} quillet_test_support GTest::gmock GTest::gtest_main)
+        quillet_warnings(${target})
+        add_test(NAME ${target} COMMAND ${target})
+        set_tests_properties(${target} PROPERTIES TIMEOUT 300)
+      endif()
+    endif()
+  endforeach()
+endfunction()
