@@ -16,6 +16,7 @@ endfunction()
 
 # quillet_test_dirs(layer LIBS ...): one test program per folder under
 # tests/<layer>/, named <layer>_<folder>_tests, each registered with CTest.
+# New folders need a fresh configure (cmake -S . -B <dir>).
 function(quillet_test_dirs layer)
   cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
   file(GLOB dirs LIST_DIRECTORIES true ${CMAKE_CURRENT_SOURCE_DIR}/${layer}/*)
@@ -27,7 +28,13 @@ function(quillet_test_dirs layer)
         set(target ${layer}_${facility}_tests)
         add_executable(${target} ${sources})
         target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
-        target_link_libraries(${target} PRIVATE ${ARG_LIBS} quillet_test_support GTest::gmock GTest::gtest_main)
+        # A facility's tests link only that facility when it has its own library.
+        if(TARGET ${layer}_${facility})
+          set(libs ${layer}_${facility})
+        else()
+          set(libs ${ARG_LIBS})
+        endif()
+        target_link_libraries(${target} PRIVATE ${libs} quillet_test_support GTest::gmock GTest::gtest_main)
         quillet_warnings(${target})
         add_test(NAME ${target} COMMAND ${target})
         set_tests_properties(${target} PROPERTIES TIMEOUT 300)

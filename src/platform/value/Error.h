@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/value/Value.h"
+
+namespace quillet::platform {
+
+// A failure as a value: a domain, a code and a user-info dictionary.
+// Passed through out arguments and callbacks; never thrown.
+struct Error {
+  std::string domain;
+  int64_t code = 0;
+  Value userInfo;  // a dictionary, or nil
+
+  Error() = default;
+  Error(std::string domain, int64_t code, Value userInfo = Value())
+      : domain(std::move(domain)), code(code), userInfo(std::move(userInfo)) {}
+
+  // userInfo["NSLocalizedDescription"] when it is a string, else
+  // "The operation couldn’t be completed. (<domain> error <code>.)".
+  std::string localizedDescription() const;
+  // "Error Domain=<domain> Code=<code> \"<localizedDescription>\" UserInfo={...}"
+  std::string description() const;
+};
+
+}  // namespace quillet::platform
