@@ -1,0 +1,277 @@
+#include "platform/runloop/RunLoop.h"
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+
+#include <asio/post.hpp>
+
+#include "platform/log/Log.h"
+
+namespace quillet::platform {
+namespace {
+
+constexpr double kMinimumInterval = 0.0001;
+// Longest single wait, so that a stop() from a signal handler-like path is seen.
+constexpr double kLongestWait = 1.0;
+
+thread_local RunLoop* currentLoop = nullptr;
+
+std::mutex& mainMutex() {
+  static std::mutex m;
+  return m;
+}
+std::shared_ptr<RunLoop>& mainSlot() {
+  static std::shared_ptr<RunLoop> loop;
+  return loop;
+}
+
+}  // namespace
+
+// Marks the loop as the calling thread's current loop while it runs.
+class RunLoop::CurrentScope {
+ public:
+  explicit CurrentScope(RunLoop* loop) : previous_(currentLoop) {
+    loop->claimThread();
+    currentLoop = loop;
+  }
+  ~CurrentScope() { currentLoop = previous_; }
+
+ private:
+  RunLoop* previous_;
+};
+
+RunLoop::RunLoop(std::shared_ptr<Clock> clock)
+    : clock_(std::move(clock)), manual_(dynamic_cast<ManualClock*>(clock_.get())), work_(io_.get_executor()) {}
+
+RunLoop::~RunLoop() = default;
+
+RunLoop& RunLoop::main() { return *mainShared(); }
+
+std::shared_ptr<RunLoop> RunLoop::mainShared() {
+  std::lock_guard lock(mainMutex());
+  if (!mainSlot()) mainSlot() = std::make_shared<RunLoop>();
+  return mainSlot();
+}
+
+void RunLoop::setMain(std::shared_ptr<RunLoop> loop) {
+  std::lock_guard lock(mainMutex());
+  mainSlot() = std::move(loop);
+}
+
+RunLoop* RunLoop::current() { return currentLoop; }
+
+bool RunLoop::isCurrent() const { return thread_.load() == std::this_thread::get_id(); }
+
+void RunLoop::claimThread() { thread_.store(std::this_thread::get_id()); }
+
+void RunLoop::post(std::function<void()> task) {
+  bool first;
+  {
+    std::lock_guard lock(postedMutex_);
+    first = posted_.empty();
+    posted_.push_back(std::move(task));
+  }
+  if (first) wakeIfWaiting();
+}
+
+TimerId RunLoop::schedule(double delaySeconds, std::function<void()> task) {
+  TimerId id;
+  {
+    std::lock_guard lock(timerMutex_);
+    id = timers_.add(clock_->monotonicSeconds() + std::max(0.0, delaySeconds), 0, std::move(task));
+  }
+  if (!isCurrent()) wake();
+  return id;
+}
+
+TimerId RunLoop::scheduleRepeating(double intervalSeconds, std::function<void()> task) {
+  double interval = std::max(kMinimumInterval, intervalSeconds);
+  TimerId id;
+  {
+    std::lock_guard lock(timerMutex_);
+    id = timers_.add(clock_->monotonicSeconds() + interval, interval, std::move(task));
+  }
+  if (!isCurrent()) wake();
+  return id;
+}
+
+bool RunLoop::cancel(TimerId id) {
+  std::lock_guard lock(timerMutex_);
+  return timers_.cancel(id);
+}
+
+bool RunLoop::isPending(TimerId id) const {
+  std::lock_guard lock(timerMutex_);
+  return timers_.contains(id);
+}
+
+TimerId RunLoop::performAfterDelay(const void* target, std::string operation, double delaySeconds,
+                                   std::function<void()> task) {
+  TimerId id;
+  {
+    std::lock_guard lock(timerMutex_);
+    id = timers_.add(clock_->monotonicSeconds() + std::max(0.0, delaySeconds), 0, std::move(task), target,
+                     std::move(operation));
+  }
+  if (!isCurrent()) wake();
+  return id;
+}
+
+size_t RunLoop::cancelPreviousPerformRequests(const void* target, std::string_view operation) {
+  std::lock_guard lock(timerMutex_);
+  return timers_.cancelByTarget(target, operation);
+}
+
+size_t RunLoop::cancelPreviousPerformRequests(const void* target) {
+  std::lock_guard lock(timerMutex_);
+  return timers_.cancelByTarget(target, std::nullopt);
+}
+
+size_t RunLoop::runPosted() {
+  std::deque<std::function<void()>> batch;
+  {
+    std::lock_guard lock(postedMutex_);
+    batch.swap(posted_);
+  }
+  for (auto& task : batch) task();
+  return batch.size();
+}
+
+// Fires the timers that are due now, earliest first, one at a time so that a
+// callback can still cancel a later one. Timers that these callbacks schedule
+// wait for the next pass, so a timer that keeps rescheduling itself for "now"
+// cannot starve the loop.
+size_t RunLoop::fireDueTimers() {
+  double now = clock_->monotonicSeconds();
+  uint64_t limit;
+  {
+    std::lock_guard lock(timerMutex_);
+    limit = timers_.sequenceMark();
+  }
+  size_t count = 0;
+  for (;;) {
+    std::optional<TimerQueue::Due> fired;
+    {
+      std::lock_guard lock(timerMutex_);
+      fired = timers_.popDue(now, limit);
+    }
+    if (!fired) return count;
+    (*fired->task)();
+    ++count;
+  }
+}
+
+size_t RunLoop::pollIo() {
+  if (io_.stopped()) io_.restart();
+  return io_.poll();
+}
+
+void RunLoop::wakeIfWaiting() {
+  if (waiting_.load()) asio::post(io_, [] {});
+}
+
+// A timer set from another thread may be due before the wait the loop is in ends.
+void RunLoop::wake() { asio::post(io_, [] {}); }
+
+void RunLoop::waitForWork(double maxSeconds) {
+  {
+    std::lock_guard lock(postedMutex_);
+    if (!posted_.empty()) return;
+  }
+  waiting_.store(true);
+  // Work posted between the check above and the flag is seen by this second look.
+  bool pending;
+  {
+    std::lock_guard lock(postedMutex_);
+    pending = !posted_.empty();
+  }
+  if (!pending && maxSeconds > 0) {
+    if (io_.stopped()) io_.restart();
+    auto wait = std::chrono::duration<double>(std::min(maxSeconds, kLongestWait));
+    io_.run_one_for(std::chrono::duration_cast<std::chrono::nanoseconds>(wait));
+  }
+  waiting_.store(false);
+}
+
+size_t RunLoop::runPending() {
+  CurrentScope scope(this);
+  size_t ran = runPosted();
+  ran += pollIo();
+  ran += fireDueTimers();
+  return ran;
+}
+
+void RunLoop::advance(double seconds) {
+  if (manual_ == nullptr) throw std::logic_error("RunLoop::advance needs a ManualClock");
+  CurrentScope scope(this);
+  double target = manual_->monotonicSeconds() + std::max(0.0, seconds);
+  for (;;) {
+    runPosted();
+    pollIo();
+    fireDueTimers();
+    std::optional<double> next;
+    {
+      std::lock_guard lock(timerMutex_);
+      next = timers_.nextDue();
+    }
+    bool morePosted;
+    {
+      std::lock_guard lock(postedMutex_);
+      morePosted = !posted_.empty();
+    }
+    if (morePosted) continue;
+    double now = manual_->monotonicSeconds();
+    if (!next || *next > target) break;
+    if (*next > now) manual_->advance(*next - now);
+  }
+  double now = manual_->monotonicSeconds();
+  if (target > now) manual_->advance(target - now);
+  // Work that became due exactly at the end of the window.
+  while (runPending() > 0) {
+  }
+}
+
+void RunLoop::runFor(double seconds) {
+  if (manual_ != nullptr) {
+    advance(seconds);
+    return;
+  }
+  runUntil([] { return false; }, seconds);
+}
+
+bool RunLoop::runUntil(const std::function<bool()>& predicate, double timeoutSeconds) {
+  CurrentScope scope(this);
+  stopRequested_.store(false);
+  // Under a ManualClock the time-out is real time, since the loop's clock does not move here.
+  const Clock& timeoutClock = manual_ != nullptr ? *Clock::system() : *clock_;
+  double deadline = timeoutClock.monotonicSeconds() + timeoutSeconds;
+  for (;;) {
+    if (predicate()) return true;
+    if (stopRequested_.exchange(false)) return predicate();
+    size_t ran = runPosted();
+    ran += pollIo();
+    ran += fireDueTimers();
+    if (predicate()) return true;
+    double now = timeoutClock.monotonicSeconds();
+    if (now >= deadline) return false;
+    if (ran > 0) continue;
+    double wait = deadline - now;
+    if (manual_ == nullptr) {
+      std::lock_guard lock(timerMutex_);
+      if (auto next = timers_.nextDue()) wait = std::min(wait, std::max(0.0, *next - now));
+    }
+    waitForWork(wait);
+  }
+}
+
+void RunLoop::run() {
+  runUntil([] { return false; }, 1e18);
+}
+
+void RunLoop::stop() {
+  stopRequested_.store(true);
+  asio::post(io_, [] {});
+}
+
+}  // namespace quillet::platform
