@@ -14,10 +14,14 @@ pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)
 add_library(quillet_asio INTERFACE)
 target_include_directories(quillet_asio SYSTEM INTERFACE ${ASIO_INCLUDE_DIR})
-target_compile_definitions(quillet_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
+# Every unit that includes asio must agree on its handler allocator, whatever
+# standard headers it included first.
+target_compile_definitions(quillet_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC)
 
 if(QUILLET_TESTS)
   find_package(GTest REQUIRED)
+  # An HTTP(S) server for the tests of the platform's HTTP client.
+  pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
 endif()
 if(QUILLET_BENCH)
   find_package(benchmark REQUIRED)

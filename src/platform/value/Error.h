@@ -21,7 +21,10 @@ struct Error {
   // userInfo["NSLocalizedDescription"] when it is a string, else
   // "The operation couldn’t be completed. (<domain> error <code>.)".
   std::string localizedDescription() const;
-  // "Error Domain=<domain> Code=<code> \"<localizedDescription>\" UserInfo={...}"
+  // The NSCocoaErrorDomain reads "(Cocoa error <code>.)" there.
+  // "Error Domain=<domain> Code=<code> \"<localizedDescription>\" UserInfo={k1=v1, k2=v2}",
+  // the entries in key order with their "%@" texts; without " UserInfo=..."
+  // when userInfo is nil or empty.
   std::string description() const;
 };
 

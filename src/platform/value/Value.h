@@ -80,20 +80,30 @@ class Value {
   const Value& operator[](std::string_view key) const;
   // Array element: nil when this is not an array or the index is out of range.
   const Value& at(size_t index) const;
-  // Number of elements of an array or dictionary, bytes of bytes, characters of a string; else 0.
+  // Number of elements of an array or dictionary, bytes of bytes, characters
+  // (UTF-16 units, as the phone counts them) of a string; else 0.
   size_t count() const;
 
-  // Sets a dictionary entry (a nil value removes the key); a nil receiver becomes a dictionary.
+  // Sets a dictionary entry (a nil value removes the key); a nil receiver
+  // becomes a dictionary; a receiver of another type is left unchanged.
   void set(std::string key, Value value);
-  // Appends to an array; a nil receiver becomes an array.
+  // Appends to an array; a nil receiver becomes an array; another type is left unchanged.
   void append(Value value);
 
   // The text "%@" gives: "(null)" for nil, "<null>" for the null object, a
   // number's digits (true -> "1"), strings as they stand, bytes as
   // "<0a1b2c3d 0e>", dates as "2001-01-01 00:00:00 +0000", arrays and
-  // dictionaries in the original's multi-line style.
+  // dictionaries in the original's multi-line style:
+  //   (\n    1,\n    "a b"\n)        {\n    key = value;\n    "other key" = 2;\n}
+  // Keys sorted. Inside a collection, a scalar's text (keys too) is quoted
+  // unless it is non-empty ASCII letters and digits only ("id_str", "-1",
+  // "0.5" and "<null>" are quoted), with \" \\ \n \r \t escaped. A nested
+  // collection opens with its own indent, 4 spaces per level, so it reads
+  // "    key =     {" and an array element "        {" as on the phone.
   std::string description() const;
 
+  // Numbers (bool, integer, real) compare by value, so Value(true) == Value(1)
+  // and Value(1) == Value(1.0); everything else compares by type and content.
   bool operator==(const Value& other) const;
 
  private:
