@@ -1,0 +1,137 @@
+#include "platform/data/SqliteDatabase.h"
+
+#include <sqlite3.h>
+
+#include <utility>
+
+#include "platform/data/SqliteError.h"
+
+namespace quillet::platform {
+
+static_assert(SqliteDatabase::kOpenReadOnly == SQLITE_OPEN_READONLY);
+static_assert(SqliteDatabase::kOpenReadWrite == SQLITE_OPEN_READWRITE);
+static_assert(SqliteDatabase::kOpenCreate == SQLITE_OPEN_CREATE);
+static_assert(SqliteDatabase::kOpenFullMutex == SQLITE_OPEN_FULLMUTEX);
+
+std::optional<SqliteDatabase> SqliteDatabase::open(const std::string& path, int flags, Error* error) {
+  sqlite3* db = nullptr;
+  int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
+  if (rc != SQLITE_OK) {
+    setSqliteError(error, db, rc, "Cannot open " + path);
+    sqlite3_close_v2(db);
+    return std::nullopt;
+  }
+  sqlite3_extended_result_codes(db, 1);
+  return SqliteDatabase(db);
+}
+
+SqliteDatabase::SqliteDatabase(SqliteDatabase&& other) noexcept : db_(std::exchange(other.db_, nullptr)) {}
+
+SqliteDatabase& SqliteDatabase::operator=(SqliteDatabase&& other) noexcept {
+  if (this != &other) {
+    close();
+    db_ = std::exchange(other.db_, nullptr);
+  }
+  return *this;
+}
+
+SqliteDatabase::~SqliteDatabase() { close(); }
+
+void SqliteDatabase::close() {
+  if (db_) sqlite3_close_v2(db_);
+  db_ = nullptr;
+}
+
+bool SqliteDatabase::exec(std::string_view sql, Error* error) {
+  if (!db_) {
+    setDataError(error, kSqliteErrorDomain, SQLITE_MISUSE, "Database is closed");
+    return false;
+  }
+  int rc = sqlite3_exec(db_, std::string(sql).c_str(), nullptr, nullptr, nullptr);
+  if (rc == SQLITE_OK) return true;
+  setSqliteError(error, db_, rc);
+  return false;
+}
+
+std::optional<SqliteStatement> SqliteDatabase::prepare(std::string_view sql, Error* error) {
+  if (!db_) {
+    setDataError(error, kSqliteErrorDomain, SQLITE_MISUSE, "Database is closed");
+    return std::nullopt;
+  }
+  sqlite3_stmt* stmt = nullptr;
+  int rc = sqlite3_prepare_v2(db_, sql.data(), static_cast<int>(sql.size()), &stmt, nullptr);
+  if (rc != SQLITE_OK) {
+    setSqliteError(error, db_, rc);
+    sqlite3_finalize(stmt);
+    return std::nullopt;
+  }
+  if (!stmt) {  // only whitespace or comments
+    setDataError(error, kSqliteErrorDomain, SQLITE_MISUSE, "No statement in \"" + std::string(sql) + "\"");
+    return std::nullopt;
+  }
+  return SqliteStatement(db_, stmt);
+}
+
+int SqliteDatabase::changes() const { return db_ ? sqlite3_changes(db_) : 0; }
+
+int64_t SqliteDatabase::lastInsertRowId() const { return db_ ? sqlite3_last_insert_rowid(db_) : 0; }
+
+int SqliteDatabase::errorCode() const { return db_ ? sqlite3_extended_errcode(db_) : SQLITE_MISUSE; }
+
+std::string SqliteDatabase::errorMessage() const { return db_ ? sqlite3_errmsg(db_) : "Database is closed"; }
+
+std::optional<std::vector<std::string>> SqliteDatabase::firstColumnTexts(std::string_view sql, Error* error) {
+  auto statement = prepare(sql, error);
+  if (!statement) return std::nullopt;
+  std::vector<std::string> lines;
+  for (;;) {
+    switch (statement->step(error)) {
+      case SqliteStatement::StepResult::Row:
+        lines.push_back(statement->columnText(0));
+        break;
+      case SqliteStatement::StepResult::Done:
+        return lines;
+      case SqliteStatement::StepResult::Error:
+        return std::nullopt;
+    }
+  }
+}
+
+std::optional<std::vector<std::string>> SqliteDatabase::integrityCheck(Error* error) {
+  return firstColumnTexts("PRAGMA integrity_check", error);
+}
+
+std::optional<std::vector<SqliteColumnInfo>> SqliteDatabase::tableInfo(std::string_view table, Error* error) {
+  auto statement = prepare("SELECT cid, name, type, \"notnull\", dflt_value, pk FROM pragma_table_info(?)", error);
+  if (!statement || !statement->bindText(1, table, error)) return std::nullopt;
+  std::vector<SqliteColumnInfo> columns;
+  for (;;) {
+    switch (statement->step(error)) {
+      case SqliteStatement::StepResult::Row: {
+        SqliteColumnInfo info;
+        info.cid = static_cast<int>(statement->columnInt64(0));
+        info.name = statement->columnText(1);
+        info.type = statement->columnText(2);
+        info.notNull = statement->columnInt64(3) != 0;
+        if (!statement->columnIsNull(4)) info.defaultValue = statement->columnText(4);
+        info.primaryKey = static_cast<int>(statement->columnInt64(5));
+        columns.push_back(std::move(info));
+        break;
+      }
+      case SqliteStatement::StepResult::Done:
+        return columns;
+      case SqliteStatement::StepResult::Error:
+        return std::nullopt;
+    }
+  }
+}
+
+bool SqliteDatabase::beginTransaction(std::string_view mode, Error* error) {
+  return exec(mode.empty() ? std::string("BEGIN") : "BEGIN " + std::string(mode), error);
+}
+
+bool SqliteDatabase::commit(Error* error) { return exec("COMMIT", error); }
+
+bool SqliteDatabase::rollback(Error* error) { return exec("ROLLBACK", error); }
+
+}  // namespace quillet::platform
