@@ -1,0 +1,75 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "platform/value/Error.h"
+
+namespace quillet::platform {
+
+// The per-install data root of the program and its standard directories:
+//   <root>/Documents
+//   <root>/Library/Caches
+//   <root>/Library/Application Support
+//   <root>/Library/Preferences        (the defaults store)
+//   <root>/Keychain                   (the secret store; survives a reinstall)
+// plus a read-only resource directory of packaged resources that lives
+// apart from the root. Directory getters create the directory on demand
+// (a failure to create is logged once per call and the path still returned).
+// Instances are immutable after construction and usable from any thread.
+class FileSystem {
+ public:
+  struct Options {
+    std::filesystem::path resourceDirectory;  // empty: <root>/Resources
+    // Record backup exclusion in an extended attribute when the file system
+    // takes one; when false (or unsupported) a side record under the root is used.
+    bool useExtendedAttributes = true;
+  };
+
+  explicit FileSystem(std::filesystem::path root);
+  FileSystem(std::filesystem::path root, Options options);
+
+  // The default data root: `dataDirOption` (the app's --data-dir) when not
+  // empty, else $XDG_DATA_HOME/quillet, else $HOME/.local/share/quillet.
+  static std::filesystem::path defaultRoot(const std::string& dataDirOption = "");
+
+  // The process-wide instance behind the shared stores (standard defaults,
+  // the keychain). Built on first use from defaultRoot() unless set before.
+  static std::shared_ptr<FileSystem> standard();
+  static void setStandard(std::shared_ptr<FileSystem> fileSystem);
+
+  const std::filesystem::path& root() const { return root_; }
+  std::filesystem::path documentsDirectory() const;
+  std::filesystem::path cachesDirectory() const;
+  std::filesystem::path applicationSupportDirectory() const;
+  std::filesystem::path preferencesDirectory() const;
+  std::filesystem::path keychainDirectory() const;  // mode 0700
+  const std::filesystem::path& resourceDirectory() const { return options_.resourceDirectory; }
+
+  bool fileExists(const std::filesystem::path& path) const;
+  // Removes a file or a directory tree; true when it is gone (also when it was never there).
+  bool removeItem(const std::filesystem::path& path, Error* error = nullptr) const;
+
+  // Marks a file as kept out of device backups (or clears the mark). The mark
+  // is persistent and belongs to the file: it goes when the file is removed
+  // through removeItem. Fails with ENOENT when the file does not exist.
+  bool setExcludedFromBackup(const std::filesystem::path& path, bool excluded, Error* error = nullptr) const;
+  // Whether the file bears the mark; false with `error` when it cannot be read.
+  bool isExcludedFromBackup(const std::filesystem::path& path, Error* error = nullptr) const;
+
+  // What deleting and installing the app again does: removes Documents and
+  // Library (defaults, caches, support files) and keeps the keychain.
+  bool removeInstallData(Error* error = nullptr) const;
+
+ private:
+  std::filesystem::path ensureDirectory(std::filesystem::path dir, bool privateMode = false) const;
+  std::filesystem::path sideRecordPath() const;
+  bool setSideRecord(const std::filesystem::path& path, bool excluded, Error* error) const;
+  bool inSideRecord(const std::filesystem::path& path) const;
+
+  std::filesystem::path root_;
+  Options options_;
+};
+
+}  // namespace quillet::platform
