@@ -1,10 +1,8 @@
 #include "platform/defaults/UserDefaults.h"
 
-#include <cerrno>
-
-#include "platform/files/AtomicFile.h"
 #include "platform/log/Log.h"
 #include "platform/plist/PropertyList.h"
+#include "platform/plist/PropertyListFile.h"
 
 namespace quillet::platform {
 
@@ -19,32 +17,18 @@ UserDefaults& UserDefaults::standardUserDefaults() {
 }
 
 void UserDefaults::load() {
-  Error error;
-  auto contents = AtomicFile::read(path_, &error);
-  if (!contents) {
-    if (error.code != ENOENT)
-      Log::writef("Cannot read defaults file %s, starting empty: %s", path_.c_str(),
-                  error.localizedDescription().c_str());
+  auto value = PropertyListFile::load(path_, "defaults");
+  if (!value) return;
+  if (!value->isDictionary()) {
+    PropertyListFile::reportDamaged(path_, "defaults");
     return;
   }
-  Value value = PropertyList::read(*contents, &error);
-  if (!value.isDictionary()) {
-    Log::writef("Damaged defaults file %s, starting empty", path_.c_str());
-    return;
-  }
-  values_ = std::move(value.dictionaryItems());
+  values_ = std::move(value->dictionaryItems());
 }
 
 bool UserDefaults::persistLocked() {
-  Error error;
-  auto encoded = PropertyList::write(Value(values_), PropertyList::Format::Binary, &error);
-  if (encoded && AtomicFile::write(path_, *encoded, &error)) {
-    dirty_ = false;
-    return true;
-  }
-  dirty_ = true;
-  Log::writef("Cannot write defaults file %s: %s", path_.c_str(), error.localizedDescription().c_str());
-  return false;
+  dirty_ = !PropertyListFile::save(path_, Value(values_), "defaults");
+  return !dirty_;
 }
 
 Value UserDefaults::objectForKey(const std::string& key) const {

@@ -1,12 +1,10 @@
 #include "platform/keychain/Keychain.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <optional>
 
-#include "platform/files/AtomicFile.h"
-#include "platform/log/Log.h"
 #include "platform/plist/PropertyList.h"
+#include "platform/plist/PropertyListFile.h"
 
 namespace quillet::platform {
 namespace {
@@ -74,15 +72,9 @@ Keychain& Keychain::standard() {
 }
 
 void Keychain::load() {
-  Error error;
-  auto contents = AtomicFile::read(path_, &error);
-  if (!contents) {
-    if (error.code != ENOENT)
-      Log::writef("Cannot read keychain file %s, starting empty: %s", path_.c_str(),
-                  error.localizedDescription().c_str());
-    return;
-  }
-  Value stored = PropertyList::read(*contents);
+  auto loaded = PropertyListFile::load(path_, "keychain");
+  if (!loaded) return;
+  const Value& stored = *loaded;
   std::vector<KeychainItem> items;
   bool damaged = !stored["items"].isArray();
   if (!damaged) {
@@ -96,7 +88,7 @@ void Keychain::load() {
     }
   }
   if (damaged) {
-    Log::writef("Damaged keychain file %s, starting empty", path_.c_str());
+    PropertyListFile::reportDamaged(path_, "keychain");
     return;
   }
   items_ = std::move(items);
@@ -106,12 +98,8 @@ bool Keychain::persistLocked() const {
   Value::Array records;
   records.reserve(items_.size());
   for (const auto& item : items_) records.push_back(toValue(item));
-  Error error;
-  auto encoded = PropertyList::write(Value(Value::Dictionary{{"version", Value(1)}, {"items", Value(std::move(records))}}),
-                                     PropertyList::Format::Binary, &error);
-  if (encoded && AtomicFile::write(path_, *encoded, &error, 0600)) return true;
-  Log::writef("Cannot write keychain file %s: %s", path_.c_str(), error.localizedDescription().c_str());
-  return false;
+  Value stored(Value::Dictionary{{"version", Value(1)}, {"items", Value(std::move(records))}});
+  return PropertyListFile::save(path_, stored, "keychain", 0600);
 }
 
 int32_t Keychain::copyMatching(const KeychainQuery& query, MatchLimit limit,
