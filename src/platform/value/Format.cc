@@ -82,26 +82,26 @@ class Arguments {
 
 // "%" + flags + width + precision, ready for a length and a conversion.
 std::string cSpec(const Conversion& c) {
-  std::string spec = "%" + c.flags;
-  if (c.width >= 0) spec += std::to_string(c.width);
+  std::string printfFormat = "%" + c.flags;
+  if (c.width >= 0) printfFormat += std::to_string(c.width);
   if (c.precision >= 0) {
-    spec += '.';
-    spec += std::to_string(c.precision);
+    printfFormat += '.';
+    printfFormat += std::to_string(c.precision);
   }
-  return spec;
+  return printfFormat;
 }
 
 template <typename T>
-void appendPrinted(std::string& out, const std::string& spec, T value) {
+void appendPrinted(std::string& out, const std::string& printfFormat, T value) {
   char small[128];
-  int n = std::snprintf(small, sizeof small, spec.c_str(), value);
+  int n = std::snprintf(small, sizeof small, printfFormat.c_str(), value);
   if (n < 0) return;
   if (static_cast<size_t>(n) < sizeof small) {
     out.append(small, static_cast<size_t>(n));
     return;
   }
   std::string big(static_cast<size_t>(n) + 1, '\0');
-  std::snprintf(big.data(), big.size(), spec.c_str(), value);
+  std::snprintf(big.data(), big.size(), printfFormat.c_str(), value);
   out.append(big.data(), static_cast<size_t>(n));
 }
 
@@ -133,7 +133,7 @@ void appendConversion(std::string& out, Conversion c, Arguments& args) {
     int64_t p = args.next().integerValue();
     c.precision = p < 0 ? -1 : p > kMaxField ? kMaxField : static_cast<long>(p);
   }
-  std::string spec = cSpec(c);
+  std::string printfFormat = cSpec(c);
   switch (c.conversion) {
     case '%':
       out += '%';
@@ -141,28 +141,28 @@ void appendConversion(std::string& out, Conversion c, Arguments& args) {
     case '@':
     case 's': {
       const Value& v = args.next();
-      appendPrinted(out, spec + "s", (v.isString() ? v.string() : v.description()).c_str());
+      appendPrinted(out, printfFormat + "s", (v.isString() ? v.string() : v.description()).c_str());
       return;
     }
     case 'c': {
       const Value& v = args.next();
       int ch = v.isString() ? (v.string().empty() ? 0 : static_cast<unsigned char>(v.string()[0]))
                             : static_cast<unsigned char>(v.integerValue());
-      appendPrinted(out, spec + "c", ch);
+      appendPrinted(out, printfFormat + "c", ch);
       return;
     }
     case 'd':
     case 'i':
-      appendPrinted(out, spec + "ll" + c.conversion, signedOfLength(args.next().integerValue(), c.length));
+      appendPrinted(out, printfFormat + "ll" + c.conversion, signedOfLength(args.next().integerValue(), c.length));
       return;
     case 'u':
     case 'o':
     case 'x':
     case 'X':
-      appendPrinted(out, spec + "ll" + c.conversion, unsignedOfLength(args.next().integerValue(), c.length));
+      appendPrinted(out, printfFormat + "ll" + c.conversion, unsignedOfLength(args.next().integerValue(), c.length));
       return;
     default:  // the reals
-      appendPrinted(out, spec + c.conversion, args.next().doubleValue());
+      appendPrinted(out, printfFormat + c.conversion, args.next().doubleValue());
       return;
   }
 }
