@@ -18,10 +18,11 @@ target_include_directories(quillet_asio SYSTEM INTERFACE ${ASIO_INCLUDE_DIR})
 # standard headers it included first.
 target_compile_definitions(quillet_asio INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED ASIO_DISABLE_STD_ALIGNED_ALLOC)
 
+# The HTTP(S) server of the stand-in cloud and of the HTTP client's tests.
+pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
+
 if(QUILLET_TESTS)
   find_package(GTest REQUIRED)
-  # An HTTP(S) server for the tests of the platform's HTTP client.
-  pkg_check_modules(HTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
 endif()
 if(QUILLET_BENCH)
   find_package(benchmark REQUIRED)

@@ -14,6 +14,34 @@ function(quillet_layer name)
   quillet_warnings(${name})
 endfunction()
 
+# quillet_part(layer name LIBS ...): a static library <layer>_<name> of every
+# source under the current directory's <name>/ folder, so that each part of a
+# layer builds and is tested on its own; an empty folder gives an interface
+# library. The part is added to the list <LAYER>_PARTS in the caller's scope.
+macro(quillet_part layer name)
+  cmake_parse_arguments(PART_ARG "" "" "LIBS" ${ARGN})
+  file(GLOB_RECURSE part_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cc)
+  if(part_sources)
+    add_library(${layer}_${name} STATIC ${part_sources})
+    quillet_warnings(${layer}_${name})
+    set(part_scope PUBLIC)
+  else()
+    add_library(${layer}_${name} INTERFACE)
+    set(part_scope INTERFACE)
+  endif()
+  target_include_directories(${layer}_${name} ${part_scope} ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${layer}_${name} ${part_scope} ${PART_ARG_LIBS})
+  string(TOUPPER ${layer} part_layer_upper)
+  list(APPEND ${part_layer_upper}_PARTS ${layer}_${name})
+endmacro()
+
+# quillet_gather(layer): the layer's target, linking all its parts.
+macro(quillet_gather layer)
+  string(TOUPPER ${layer} gather_upper)
+  add_library(${layer} INTERFACE)
+  target_link_libraries(${layer} INTERFACE ${${gather_upper}_PARTS})
+endmacro()
+
 # quillet_test_dirs(layer LIBS ...): one test program per folder under
 # tests/<layer>/, named <layer>_<folder>_tests, each registered with CTest.
 # New folders need a fresh configure (cmake -S . -B <dir>).
