@@ -1,0 +1,146 @@
+#include "platform/ui/Application.h"
+
+#include "platform/text/Url.h"
+
+namespace quillet::platform {
+
+namespace {
+std::shared_ptr<Application>& sharedSlot() {
+  static std::shared_ptr<Application> shared;
+  return shared;
+}
+}  // namespace
+
+const char* applicationStateName(ApplicationState state) {
+  switch (state) {
+    case ApplicationState::Active: return "active";
+    case ApplicationState::Inactive: return "inactive";
+    case ApplicationState::Background: return "background";
+  }
+  return "inactive";
+}
+
+Application::Application(std::shared_ptr<UiEvents> events)
+    : events_(events ? std::move(events) : std::make_shared<UiEvents>()),
+      window_(std::make_shared<Window>(events_)) {}
+
+Application& Application::sharedApplication() {
+  auto& shared = sharedSlot();
+  if (!shared) shared = std::make_shared<Application>();
+  return *shared;
+}
+
+void Application::setSharedApplication(std::shared_ptr<Application> application) {
+  sharedSlot() = std::move(application);
+}
+
+void Application::setApplicationIconBadgeNumber(int64_t badge) {
+  UiEvent event;
+  event.kind = UiEvent::Kind::BadgeChanged;
+  event.number = badge;
+  event.info = Value(badge_);
+  badge_ = badge;
+  events_->emit(std::move(event));
+}
+
+void Application::registerUserNotificationSettings(int64_t types) {
+  settingsTypes_ = types;
+  UiEvent event;
+  event.kind = UiEvent::Kind::NotificationSettingsRegistered;
+  event.number = types;
+  events_->emit(std::move(event));
+}
+
+void Application::registerForRemoteNotifications() {
+  registeredForRemote_ = true;
+  UiEvent event;
+  event.kind = UiEvent::Kind::RemoteNotificationsRegistered;
+  event.number = 1;
+  events_->emit(std::move(event));
+}
+
+void Application::registerForRemoteNotificationTypes(int64_t types) {
+  settingsTypes_ = types;
+  registerForRemoteNotifications();
+}
+
+void Application::unregisterForRemoteNotifications() {
+  registeredForRemote_ = false;
+  UiEvent event;
+  event.kind = UiEvent::Kind::RemoteNotificationsRegistered;
+  event.number = 0;
+  events_->emit(std::move(event));
+}
+
+bool Application::canOpenURL(const std::string& url) const {
+  auto parsed = Url::parse(url);
+  if (!parsed) return false;
+  const auto& scheme = parsed->scheme();
+  return scheme == "http" || scheme == "https" || installedSchemes_.count(scheme) != 0;
+}
+
+bool Application::openURL(const std::string& url) {
+  if (!canOpenURL(url)) return false;
+  openedURLs_.push_back(url);
+  UiEvent event;
+  event.kind = UiEvent::Kind::UrlOpened;
+  event.text = url;
+  events_->emit(std::move(event));
+  return true;
+}
+
+void Application::scheduleLocalNotification(LocalNotification notification) {
+  UiEvent event;
+  event.kind = UiEvent::Kind::LocalNotificationScheduled;
+  event.text = notification.body;
+  event.info = notification.toValue();
+  scheduled_.push_back(std::move(notification));
+  events_->emit(std::move(event));
+}
+
+bool Application::launch(const Value& launchOptions) {
+  state_ = ApplicationState::Inactive;
+  bool launched = delegate_ ? delegate_->didFinishLaunchingWithOptions(*this, launchOptions) : true;
+  window_->makeKeyAndVisible();
+  return launched;
+}
+
+void Application::becomeActive() {
+  state_ = ApplicationState::Active;
+  if (delegate_) delegate_->applicationDidBecomeActive(*this);
+}
+
+void Application::resignActive() {
+  state_ = ApplicationState::Inactive;
+  if (delegate_) delegate_->applicationWillResignActive(*this);
+}
+
+void Application::enterBackground() {
+  if (state_ == ApplicationState::Active) resignActive();
+  state_ = ApplicationState::Background;
+  if (delegate_) delegate_->applicationDidEnterBackground(*this);
+}
+
+void Application::enterForeground() {
+  state_ = ApplicationState::Inactive;
+  if (delegate_) delegate_->applicationWillEnterForeground(*this);
+}
+
+void Application::deliverDeviceToken(const Value& deviceToken) {
+  if (delegate_) delegate_->didRegisterForRemoteNotificationsWithDeviceToken(*this, deviceToken);
+}
+
+void Application::failRemoteNotificationRegistration(const Error& error) {
+  if (delegate_) delegate_->didFailToRegisterForRemoteNotificationsWithError(*this, error);
+}
+
+void Application::deliverRemoteNotification(const Value& payload, bool fetchForm) {
+  if (!delegate_) return;
+  if (fetchForm) {
+    delegate_->didReceiveRemoteNotificationFetchCompletionHandler(*this, payload, [](int) {});
+  } else {
+    delegate_->didReceiveRemoteNotification(*this, payload);
+  }
+}
+
+}  // namespace quillet::platform

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace quillet::platform {
+
+// A frame in points: origin and size. Plain data.
+struct Rect {
+  double x = 0;
+  double y = 0;
+  double width = 0;
+  double height = 0;
+
+  bool operator==(const Rect&) const = default;
+};
+
+}  // namespace quillet::platform

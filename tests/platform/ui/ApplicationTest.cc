@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include "platform/ui/Application.h"
+#include "platform/ui/Button.h"
+#include "platform/ui/ImageView.h"
+#include "platform/ui/Label.h"
+#include "platform/ui/NavigationController.h"
+#include "platform/ui/Switch.h"
+#include "platform/ui/TextField.h"
+#include "platform/ui/UiDriver.h"
+#include "platform/ui/UiError.h"
+
+namespace quillet::platform {
+namespace {
+
+TEST(ApplicationTest, OpensOnlyInstalledSchemesAndWebAddresses) {
+  Application app;
+  std::vector<std::string> opened;
+  app.events()->subscribe([&](const UiEvent& e) {
+    if (e.kind == UiEvent::Kind::UrlOpened) opened.push_back(e.text);
+  });
+  app.setInstalledSchemes({"photoapp"});
+  EXPECT_FALSE(app.canOpenURL("chatapp://app"));
+  EXPECT_FALSE(app.openURL("chatapp://send?text=YOUR%20MSG"));
+  EXPECT_FALSE(app.openURL("not a url"));
+  EXPECT_TRUE(app.openURL("photoapp://location?id=1"));
+  EXPECT_TRUE(app.openURL("HTTPS://example.test/app"));
+  EXPECT_EQ(opened, (std::vector<std::string>{"photoapp://location?id=1", "HTTPS://example.test/app"}));
+  EXPECT_EQ(app.openedURLs(), opened);
+}
+
+TEST(ApplicationTest, EveryBadgeSetIsAnEventInOrder) {
+  Application app;
+  std::vector<int64_t> badges;
+  auto token = app.events()->subscribe([&](const UiEvent& e) {
+    if (e.kind != UiEvent::Kind::BadgeChanged) return;
+    badges.push_back(e.number);
+    if (e.number == 2) app.setApplicationIconBadgeNumber(0);  // nested: delivered after this one
+  });
+  std::vector<int64_t> second;
+  app.events()->subscribe([&](const UiEvent& e) { second.push_back(e.number); });
+  app.setApplicationIconBadgeNumber(1);
+  app.setApplicationIconBadgeNumber(2);
+  app.setApplicationIconBadgeNumber(0);
+  EXPECT_EQ(badges, (std::vector<int64_t>{1, 2, 0, 0}));
+  EXPECT_EQ(second, badges);
+  EXPECT_EQ(app.applicationIconBadgeNumber(), 0);
+  app.events()->unsubscribe(token);
+  app.setApplicationIconBadgeNumber(5);
+  EXPECT_EQ(badges.size(), 4u);
+
+  app.registerUserNotificationSettings(7);
+  app.registerForRemoteNotifications();
+  EXPECT_TRUE(app.isRegisteredForRemoteNotifications());
+  app.scheduleLocalNotification({"Quillet", "A story", "default", 1, "news", Value(), 100.0});
+  ASSERT_EQ(app.scheduledLocalNotifications().size(), 1u);
+  EXPECT_EQ(second.back(), 0);
+}
+
+class HomeScreen : public ViewController {
+ public:
+  HomeScreen() : ViewController("HomeVC") {}
+  int refreshes = 0;
+  bool night = false;
+  std::string email;
+
+ protected:
+  void viewDidLoad() override {
+    auto title = std::make_shared<Label>();
+    title->setText("My Feed");
+    registerOutlet("lblCategoryTitle", title);
+    auto posted = std::make_shared<Label>();
+    posted->setText("Posted By someone");
+    posted->setHidden(true);
+    registerOutlet("lblPostedBy", posted);
+    auto image = std::make_shared<ImageView>();
+    image->setImageWithURL("http://127.0.0.1/a.jpg", "placeholder.png");
+    registerOutlet("imgNews", image);
+    auto refresh = std::make_shared<Button>();
+    refresh->setAction([this](Button&) { ++refreshes; });
+    registerOutlet("btnRefresh", refresh);
+    auto mode = std::make_shared<Switch>();
+    mode->setAction([this](Switch& s) { night = s.isOn(); });
+    registerOutlet("switchNightMode", mode);
+    auto field = std::make_shared<TextField>();
+    field->setDidEndEditing([this](TextInput& t) { email = t.text(); });
+    registerOutlet("txtEmail", field);
+  }
+};
+
+TEST(ApplicationTest, SnapshotAndDriverSeeOnlyTheTopScreen) {
+  Application app;
+  auto home = std::make_shared<HomeScreen>();
+  auto nav = std::make_shared<NavigationController>(home);
+  app.window().setRootViewController(nav);
+  app.launch();
+  app.becomeActive();
+  UiDriver driver(app);
+
+  Value shot = driver.snapshot();
+  EXPECT_EQ(shot["screen"].string(), "HomeVC");
+  EXPECT_EQ(shot["state"].string(), "active");
+  EXPECT_EQ(shot["outlets"]["lblCategoryTitle"]["text"].string(), "My Feed");
+  EXPECT_EQ(shot["outlets"]["lblCategoryTitle"]["textColor"].string(), "#000000FF");
+  EXPECT_TRUE(shot["outlets"]["lblPostedBy"]["hidden"].boolValue());
+  EXPECT_TRUE(shot["outlets"]["lblPostedBy"]["text"].isNil());
+  EXPECT_EQ(shot["outlets"]["imgNews"]["image"].string(), "placeholder.png");
+
+  EXPECT_TRUE(driver.tap("btnRefresh"));
+  EXPECT_TRUE(driver.setOn("switchNightMode", true));
+  EXPECT_TRUE(driver.setText("txtEmail", "reader@example.test"));
+  EXPECT_EQ(home->refreshes, 1);
+  EXPECT_TRUE(home->night);
+  EXPECT_EQ(home->email, "reader@example.test");
+
+  Error error;
+  EXPECT_FALSE(driver.tap("btnNoSuch", &error));
+  EXPECT_EQ(error.code, static_cast<int64_t>(UiErrorCode::NoSuchOutlet));
+  EXPECT_FALSE(driver.setOn("btnRefresh", true, &error));
+  EXPECT_EQ(error.code, static_cast<int64_t>(UiErrorCode::WrongKind));
+  EXPECT_FALSE(driver.tap("lblPostedBy", &error));
+  EXPECT_EQ(error.code, static_cast<int64_t>(UiErrorCode::NotInteractive));
+  EXPECT_FALSE(driver.selectRow("lblCategoryTitle", IndexPath::forRow(0), &error));
+  EXPECT_FALSE(driver.tap("btnRefresh/3/btnCheck", &error));
+  EXPECT_EQ(error.code, static_cast<int64_t>(UiErrorCode::NoSuchOutlet));
+
+  nav->pushViewController(std::make_shared<ViewController>("FullStoryVC"), true);
+  shot = driver.snapshot();
+  EXPECT_EQ(shot["screen"].string(), "FullStoryVC");
+  EXPECT_EQ(shot["stack"], Value::array({"HomeVC", "FullStoryVC"}));
+  EXPECT_TRUE(shot["outlets"]["btnRefresh"].isNil());
+  EXPECT_FALSE(driver.tap("btnRefresh", &error));
+
+  nav->popViewControllerAnimated(true);
+  EXPECT_EQ(driver.snapshot()["stack"], Value::array({"HomeVC"}));
+  EXPECT_TRUE(driver.tap("btnRefresh"));
+
+  app.window().setRootViewController(nullptr);
+  EXPECT_FALSE(driver.tap("btnRefresh", &error));
+  EXPECT_EQ(error.code, static_cast<int64_t>(UiErrorCode::NoScreen));
+}
+
+}  // namespace
+}  // namespace quillet::platform
