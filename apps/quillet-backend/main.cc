@@ -1,0 +1,59 @@
+// The stand-in cloud for the demo and the end-to-end tests: starts the
+// backend's servers on loopback, prints where each listens, one per line,
+// and runs until SIGINT or SIGTERM.
+#include <CLI/CLI.hpp>
+#include <signal.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "backend/news/NewsServer.h"
+#include "platform/files/FileSystem.h"
+#include "platform/log/Log.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{"quillet-backend: the stand-in servers Quillet talks to"};
+  std::string dataDir;
+  std::string host = "127.0.0.1";
+  int newsPort = 8088;
+  std::string resourcesDir;
+  app.add_option("--data-dir", dataDir, "Directory of the servers' data (default: beside Quillet's data root)");
+  app.add_option("--host", host, "Address to listen on")->capture_default_str();
+  app.add_option("--news-port", newsPort, "Port of the news API; 0 picks a free one")
+      ->capture_default_str()
+      ->check(CLI::Range(0, 65535));
+  app.add_option("--resources-dir", resourcesDir, "Directory of the seed data (default: the packaged resources)");
+  CLI11_PARSE(app, argc, argv);
+
+  quillet::platform::Log::setProcessName("quillet-backend");
+  const std::filesystem::path root = dataDir.empty()
+                                         ? quillet::platform::FileSystem::defaultRoot().parent_path() / "quillet-backend"
+                                         : std::filesystem::path(dataDir);
+
+  // The signals are taken by sigwait below, on this thread; the servers'
+  // threads inherit the mask and never see them.
+  sigset_t stopSignals;
+  sigemptyset(&stopSignals);
+  sigaddset(&stopSignals, SIGINT);
+  sigaddset(&stopSignals, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
+
+  quillet::backend::NewsServerOptions newsOptions;
+  newsOptions.host = host;
+  newsOptions.port = newsPort;
+  newsOptions.dataDirectory = root / "news";
+  newsOptions.resourceDirectory = resourcesDir;
+  quillet::backend::NewsServer news(newsOptions);
+  quillet::platform::Error error;
+  if (!news.start(&error)) {
+    std::cerr << "quillet-backend: news server: " << error.localizedDescription() << "\n";
+    return 1;
+  }
+  std::cout << "news " << news.apiUrl() << std::endl;
+
+  int signalNumber = 0;
+  sigwait(&stopSignals, &signalNumber);
+  news.stop();
+  std::cout << "stopped" << std::endl;
+  return 0;
+}
