@@ -248,6 +248,9 @@ bool NewsServer::start(platform::Error* error) {
   }
 
   const NewsServerOptions& options = impl.options;
+  // An idle kept-alive connection is closed after a second, so that stop()
+  // does not wait out the library's default keep-alive time of five seconds.
+  impl.http.set_keep_alive_timeout(1);
   int bound = options.port == 0 ? impl.http.bind_to_any_port(options.host)
                                 : (impl.http.bind_to_port(options.host, options.port) ? options.port : -1);
   if (bound <= 0) {
