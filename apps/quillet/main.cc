@@ -1,16 +1,31 @@
-// The phone: runs Quillet headless. For now it offers its help and version;
-// the screens and gestures arrive with the news client.
+// The phone: runs Quillet headless. It reads one command a line from standard
+// input or a script and prints what happens on the phone (docs/driver.md).
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
+#include <fstream>
 #include <iostream>
 
+#include "news/driver/PhoneSession.h"
 #include "platform/log/Log.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"Quillet: a news reader for a phone, run headless"};
+  quillet::news::PhoneOptions options;
   std::string dataDir;
   app.add_option("--data-dir", dataDir, "Per-install data root (default: $XDG_DATA_HOME/quillet)");
+  app.add_option("--api-base", options.apiBase, "Base URL of the news API, ending in /")
+      ->capture_default_str();
+  app.add_option("--network", options.network, "Network the phone has")
+      ->check(CLI::IsMember({"auto", "wifi", "cellular", "none"}))
+      ->capture_default_str();
+  std::string clock = "real";
+  app.add_option("--clock", clock, "real time, or virtual time moved by 'wait'")
+      ->check(CLI::IsMember({"real", "virtual"}))
+      ->capture_default_str();
+  app.add_flag("--json", options.json, "Print one JSON object per line");
+  std::string script;
+  app.add_option("--script", script, "Read commands from this file instead of standard input");
+  app.add_flag("--log", options.log, "Also print the process log as events");
   bool version = false;
   app.add_flag("--version", version, "Print the version and exit");
   CLI11_PARSE(app, argc, argv);
@@ -19,6 +34,18 @@ int main(int argc, char** argv) {
     std::cout << "quillet 0.1.0\n";
     return 0;
   }
-  std::cout << app.help();
-  return 0;
+  options.dataDirectory = dataDir;
+  options.virtualClock = clock == "virtual";
+  if (options.log) quillet::platform::Log::setStandardErrorEnabled(false);
+
+  std::ifstream file;
+  if (!script.empty()) {
+    file.open(script);
+    if (!file) {
+      std::cerr << "quillet: cannot read the script " << script << "\n";
+      return 2;
+    }
+  }
+  quillet::news::PhoneSession session(options, std::cout);
+  return session.run(script.empty() ? std::cin : file);
 }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "platform/ui/UiEvent.h"
+#include "platform/value/Value.h"
+
+namespace quillet::news {
+
+// Writes the driver's events, one a line: as a JSON object with an "event"
+// field, or as text: the event name, then the other fields as compact JSON.
+// The stream is held by reference and outlives the printer. Main thread.
+class EventPrinter {
+ public:
+  EventPrinter(std::ostream& out, bool json) : out_(out), json_(json) {}
+
+  // `fields` is a dictionary (or nil) without "event".
+  void print(const std::string& event, platform::Value fields = platform::Value());
+  // A UI event, named by its kind.
+  void print(const platform::UiEvent& event);
+
+ private:
+  std::ostream& out_;
+  bool json_;
+};
+
+}  // namespace quillet::news

@@ -1,0 +1,238 @@
+#include "news/driver/PhoneSession.h"
+
+#include <cctype>
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+#include <utility>
+
+#include "news/app/AppKeys.h"
+#include "news/app/MainStoryboard.h"
+#include "news/store/NewsDatabaseFile.h"
+#include "platform/log/Log.h"
+#include "platform/notifications/NotificationCenter.h"
+#include "platform/reachability/ReachabilitySource.h"
+#include "platform/ui/UiDriver.h"
+#include "platform/value/Json.h"
+
+namespace quillet::news {
+
+using platform::Value;
+
+namespace {
+
+std::string trim(const std::string& text) {
+  size_t begin = text.find_first_not_of(" \t\r\n");
+  if (begin == std::string::npos) return "";
+  size_t end = text.find_last_not_of(" \t\r\n");
+  return text.substr(begin, end - begin + 1);
+}
+
+std::optional<platform::ReachabilityOverride> networkMode(const std::string& mode) {
+  if (mode == "auto") return platform::ReachabilityOverride::Automatic;
+  if (mode == "wifi") return platform::ReachabilityOverride::WiFi;
+  if (mode == "cellular") return platform::ReachabilityOverride::Cellular;
+  if (mode == "none") return platform::ReachabilityOverride::None;
+  return std::nullopt;
+}
+
+// Hex digits (spaces and angle brackets allowed between them) as bytes.
+std::optional<Value::Bytes> hexBytes(const std::string& text) {
+  std::string digits;
+  for (char c : text) {
+    if (c == ' ' || c == '<' || c == '>') continue;
+    if (!std::isxdigit(static_cast<unsigned char>(c))) return std::nullopt;
+    digits.push_back(c);
+  }
+  if (digits.empty() || digits.size() % 2 != 0) return std::nullopt;
+  Value::Bytes bytes;
+  for (size_t i = 0; i < digits.size(); i += 2) {
+    bytes.push_back(static_cast<uint8_t>(std::stoi(digits.substr(i, 2), nullptr, 16)));
+  }
+  return bytes;
+}
+
+}  // namespace
+
+PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
+    : options_(std::move(options)), printer_(out, options_.json) {
+  fileSystem_ = std::make_shared<platform::FileSystem>(
+      platform::FileSystem::defaultRoot(options_.dataDirectory.string()),
+      platform::FileSystem::Options{NewsDatabaseFile::builtResourceDirectory()});
+  platform::FileSystem::setStandard(fileSystem_);
+  defaults_ = std::make_unique<platform::UserDefaults>(*fileSystem_, platform::UserDefaults::standardDomain);
+
+  std::shared_ptr<platform::Clock> clock =
+      options_.virtualClock ? std::make_shared<platform::ManualClock>() : platform::Clock::system();
+  loop_ = std::make_shared<platform::RunLoop>(clock);
+  platform::RunLoop::setMain(loop_);
+
+  if (options_.log) {
+    logSink_ = platform::Log::addSink([this](const platform::LogRecord& record) {
+      std::lock_guard lock(logMutex_);
+      logLines_.push_back(record.message);
+    });
+  }
+
+  auto events = std::make_shared<platform::UiEvents>();
+  uiToken_ = events->subscribe([this](const platform::UiEvent& event) {
+    drainLogs();
+    printer_.print(event);
+  });
+  application_ = std::make_shared<platform::Application>(events);
+  platform::Application::setSharedApplication(application_);
+
+  appDelegate_ = std::make_shared<AppDelegate>(AppServices::shared(), fileSystem_, *defaults_,
+                                               platform::NotificationCenter::defaultCenter(),
+                                               MainStoryboard::make(*defaults_, *loop_));
+  application_->setDelegate(appDelegate_);
+  Webmanager::sharedObject().setAPIBase(options_.apiBase);
+  setNetwork(options_.network, false);
+}
+
+PhoneSession::~PhoneSession() {
+  application_->events()->unsubscribe(uiToken_);
+  // The screens and the delegate refer to this session's defaults store; let them go with it.
+  application_->window().setRootViewController(nullptr);
+  application_->setDelegate(nullptr);
+  if (logSink_ >= 0) platform::Log::removeSink(logSink_);
+  platform::ReachabilitySource::setOverride(platform::ReachabilityOverride::Automatic);
+}
+
+int PhoneSession::run(std::istream& in) {
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!execute(line)) return 0;
+  }
+  return 0;
+}
+
+bool PhoneSession::execute(const std::string& line) {
+  const std::string text = trim(line);
+  if (text.empty() || text[0] == '#') return true;
+  const size_t space = text.find_first_of(" \t");
+  const std::string command = text.substr(0, space);
+  const std::string argument = space == std::string::npos ? "" : trim(text.substr(space));
+  const bool goOn = dispatch(command, argument);
+  loop_->runPending();
+  drainLogs();
+  return goOn;
+}
+
+bool PhoneSession::dispatch(const std::string& command, const std::string& argument) {
+  if (command == "quit") {
+    printer_.print("quit");
+    return false;
+  }
+  if (command == "launch") {
+    launch(argument);
+  } else if (command == "active") {
+    if (application_->applicationState() == platform::ApplicationState::Background) application_->enterForeground();
+    application_->becomeActive();
+  } else if (command == "background") {
+    application_->enterBackground();
+  } else if (command == "wait") {
+    wait(argument);
+  } else if (command == "settle") {
+    settle();
+  } else if (command == "screen") {
+    printer_.print("screen", Value::dictionary({{"snapshot", platform::UiDriver(*application_).snapshot()}}));
+  } else if (command == "network") {
+    setNetwork(argument, true);
+  } else if (command == "device-token") {
+    deviceToken(argument);
+  } else if (command == "push") {
+    push(argument, true);
+  } else if (command == "push-plain") {
+    push(argument, false);
+  } else if (command == "defaults") {
+    printer_.print("defaults", Value::dictionary({{"values", Value(defaults_->dictionaryRepresentation())}}));
+  } else if (command == "tap" || command == "alert-tap") {
+    platform::Error failure;
+    platform::UiDriver hand(*application_);
+    const bool done = command == "tap" ? hand.tap(argument, &failure) : hand.tapAlertAction(argument, &failure);
+    if (!done) error(command + " " + argument + ": " + failure.localizedDescription());
+  } else {
+    error("unknown command: " + command);
+  }
+  return true;
+}
+
+void PhoneSession::error(const std::string& message) {
+  printer_.print("error", Value::dictionary({{"message", message}}));
+}
+
+void PhoneSession::launch(const std::string& argument) {
+  if (launched_) return error("launch: the app is already running");
+  Value options;
+  if (!argument.empty()) {
+    Value push = platform::jsonDecode(argument);
+    if (!push.isDictionary()) return error("launch: the push must be a JSON object");
+    options = Value::dictionary({{kLaunchOptionsRemoteNotificationKey, push}});
+  }
+  launched_ = true;
+  application_->launch(options);
+  application_->becomeActive();
+}
+
+void PhoneSession::wait(const std::string& argument) {
+  char* end = nullptr;
+  const double seconds = std::strtod(argument.c_str(), &end);
+  if (argument.empty() || end == nullptr || *end != '\0' || !(seconds >= 0)) {
+    return error("wait: needs a number of seconds");
+  }
+  if (options_.virtualClock) {
+    settle();
+    loop_->advance(seconds);
+  } else {
+    loop_->runFor(seconds);
+  }
+}
+
+void PhoneSession::settle() {
+  const auto& realClock = platform::Clock::system();
+  double quietSince = realClock->monotonicSeconds();
+  const double deadline = quietSince + kSettleLimitSeconds;
+  for (;;) {
+    const size_t ran = loop_->runPending();
+    drainLogs();
+    const double now = realClock->monotonicSeconds();
+    if (ran > 0) {
+      quietSince = now;
+    } else if (now - quietSince >= kQuietSeconds || now >= deadline) {
+      return;
+    }
+    // Replies come from the network thread as posted work; look again shortly.
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+}
+
+void PhoneSession::setNetwork(const std::string& mode, bool announce) {
+  auto parsed = networkMode(mode);
+  if (!parsed) return error("network: one of wifi, cellular, none, auto");
+  platform::ReachabilitySource::setOverride(*parsed);
+  if (announce) printer_.print("network", Value::dictionary({{"mode", mode}}));
+}
+
+void PhoneSession::deviceToken(const std::string& argument) {
+  auto bytes = hexBytes(argument);
+  if (!bytes) return error("device-token: needs an even number of hex digits");
+  application_->deliverDeviceToken(Value::bytes(std::move(*bytes)));
+}
+
+void PhoneSession::push(const std::string& argument, bool fetchForm) {
+  Value payload = platform::jsonDecode(argument);
+  if (!payload.isDictionary()) return error("push: the payload must be a JSON object");
+  application_->deliverRemoteNotification(payload, fetchForm);
+}
+
+void PhoneSession::drainLogs() {
+  std::deque<std::string> lines;
+  {
+    std::lock_guard lock(logMutex_);
+    lines.swap(logLines_);
+  }
+  for (auto& line : lines) printer_.print("log", Value::dictionary({{"message", std::move(line)}}));
+}
+
+}  // namespace quillet::news

@@ -1,0 +1,9 @@
+#include "news/services/ServiceErrors.h"
+
+namespace quillet::news {
+
+platform::Error serviceError(const char* domain, int64_t code, const std::string& description) {
+  return platform::Error(domain, code, platform::Value::dictionary({{"NSLocalizedDescription", description}}));
+}
+
+}  // namespace quillet::news

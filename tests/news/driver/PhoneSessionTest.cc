@@ -1,0 +1,96 @@
+// The phone driver's command loop, in process, on virtual time.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "news/driver/PhoneSession.h"
+#include "platform/runloop/RunLoop.h"
+#include "platform/value/Json.h"
+#include "support/LogCapture.h"
+#include "support/TempDir.h"
+
+namespace quillet::news {
+namespace {
+
+using platform::Value;
+
+class PhoneSessionTest : public ::testing::Test {
+ protected:
+  ~PhoneSessionTest() override { platform::RunLoop::setMain(nullptr); }
+
+  // Runs `script` in a new session over the test's data root; the events printed.
+  std::vector<Value> play(const std::string& script, bool log = false) {
+    PhoneOptions options;
+    options.dataDirectory = dir_.path();
+    options.virtualClock = true;
+    options.json = true;
+    options.log = log;
+    options.network = "none";
+    std::ostringstream out;
+    {
+      PhoneSession session(options, out);
+      std::istringstream in(script);
+      EXPECT_EQ(session.run(in), 0);
+    }
+    std::vector<Value> events;
+    std::istringstream lines(out.str());
+    std::string line;
+    while (std::getline(lines, line)) {
+      Value event = platform::jsonDecode(line);
+      EXPECT_TRUE(event["event"].isString()) << line;
+      events.push_back(event);
+    }
+    return events;
+  }
+
+  static std::vector<std::string> names(const std::vector<Value>& events) {
+    std::vector<std::string> out;
+    for (const Value& event : events) out.push_back(event["event"].string());
+    return out;
+  }
+
+  ::quillet::testing::LogCapture log_;
+  ::quillet::testing::TempDir dir_;
+};
+
+TEST_F(PhoneSessionTest, FirstLaunchWaitsOnTheSplashThenShowsOnboarding) {
+  auto events = play("launch\nwait 4\nscreen\nquit\nscreen\n");
+  EXPECT_EQ(names(events),
+            (std::vector<std::string>{"notificationSettingsRegistered", "remoteNotificationsRegistered",
+                                      "screenReplaced", "badgeChanged", "screenPushed", "screen", "quit"}));
+  EXPECT_EQ(events[1]["number"], Value(1));
+  EXPECT_EQ(events[2]["screen"], Value("SplashVC"));
+  EXPECT_EQ(events[4]["screen"], Value("CategoryVC"));
+  EXPECT_TRUE(events[4]["animated"].isNil());  // present only when true
+  const Value& snapshot = events[5]["snapshot"];
+  EXPECT_EQ(snapshot["screen"], Value("CategoryVC"));
+  EXPECT_EQ(snapshot["stack"], Value::array({"SplashVC", "CategoryVC"}));
+
+  // The next launch goes straight to the feed.
+  events = play("launch\nscreen\ndefaults\n");
+  EXPECT_EQ(events.back()["values"]["LaunchAmounts"], Value(2));
+  EXPECT_EQ(events[events.size() - 2]["snapshot"]["screen"], Value("HomeVC"));
+}
+
+TEST_F(PhoneSessionTest, BadCommandsAreReportedAndTheSessionGoesOn) {
+  auto events = play("fly away\nwait soon\npush [1]\ndevice-token 0g\nlaunch\nlaunch\nalert-tap OK\n"
+                     "push {\"post_id\": 12}\ndevice-token <0a1b2c3d 4e>\ndefaults\n",
+                     true);
+  int errors = 0;
+  for (const Value& event : events) errors += event["event"] == Value("error");
+  EXPECT_EQ(errors, 6);
+  const Value& values = events.back()["values"];
+  EXPECT_EQ(values["NewsID"], Value("12"));
+  EXPECT_EQ(values["DeviceToken"], Value("0a1b2c3d4e"));
+  EXPECT_EQ(values["badgeCount"], Value(1));
+  bool logged = false;
+  for (const Value& event : events) {
+    logged |= event["event"] == Value("log") && event["message"] == Value("Device ..............................token: 0a1b2c3d4e");
+  }
+  EXPECT_TRUE(logged);
+}
+
+}  // namespace
+}  // namespace quillet::news
