@@ -23,7 +23,7 @@ build-release: setup
 	cmake --build $(RELEASE_DIR) -j $(JOBS)
 
 demo: build-release
-	$(RELEASE_DIR)/apps/quillet/quillet
+	bash scripts/demo $(RELEASE_DIR)
 
 bench: build-release
 	for b in $(RELEASE_DIR)/bench/*_bench; do $$b; done
