@@ -145,6 +145,8 @@ bool PhoneSession::dispatch(const std::string& command, const std::string& argum
     push(argument, true);
   } else if (command == "push-plain") {
     push(argument, false);
+  } else if (command == "request") {
+    request(argument);
   } else if (command == "defaults") {
     printer_.print("defaults", Value::dictionary({{"values", Value(defaults_->dictionaryRepresentation())}}));
   } else if (command == "tap" || command == "alert-tap") {
@@ -224,6 +226,27 @@ void PhoneSession::push(const std::string& argument, bool fetchForm) {
   Value payload = platform::jsonDecode(argument);
   if (!payload.isDictionary()) return error("push: the payload must be a JSON object");
   application_->deliverRemoteNotification(payload, fetchForm);
+}
+
+// Sends one news API request through Webmanager, as a screen would, with a
+// delegate that prints the callback it gets.
+void PhoneSession::request(const std::string& argument) {
+  const size_t space = argument.find_first_of(" \t");
+  const std::string method = argument.substr(0, space);
+  const std::string text = space == std::string::npos ? "" : trim(argument.substr(space));
+  if (method.empty()) return error("request: needs an API method name");
+  Value parameters;
+  if (!text.empty()) {
+    parameters = platform::jsonDecode(text);
+    if (!parameters.isDictionary()) return error("request: the parameters must be a JSON object");
+  }
+  auto delegate = std::make_shared<WebmanagerDelegate>();
+  for (const char* outcome : {"requestSucceeded", "requestFailed"}) {
+    delegate->setOperation(outcome, [this, method, outcome](const Value& reply) {
+      printer_.print(outcome, Value::dictionary({{"method", method}, {"reply", reply}}));
+    });
+  }
+  Webmanager::sharedObject().sendRequestWithUrl(method, parameters, delegate, "requestSucceeded", "requestFailed");
 }
 
 void PhoneSession::drainLogs() {

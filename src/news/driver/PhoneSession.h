@@ -53,6 +53,7 @@ class PhoneSession {
   void setNetwork(const std::string& mode, bool announce);
   void deviceToken(const std::string& argument);
   void push(const std::string& argument, bool fetchForm);
+  void request(const std::string& argument);
   // Runs the loop until it has had no work for kQuietSeconds of real time.
   void settle();
   void drainLogs();

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "backend/news/NewsServer.h"
 #include "news/driver/PhoneSession.h"
 #include "platform/runloop/RunLoop.h"
 #include "platform/value/Json.h"
@@ -21,13 +22,15 @@ class PhoneSessionTest : public ::testing::Test {
   ~PhoneSessionTest() override { platform::RunLoop::setMain(nullptr); }
 
   // Runs `script` in a new session over the test's data root; the events printed.
-  std::vector<Value> play(const std::string& script, bool log = false) {
+  std::vector<Value> play(const std::string& script, bool log = false, const std::string& network = "none",
+                          const std::string& apiBase = "") {
     PhoneOptions options;
     options.dataDirectory = dir_.path();
     options.virtualClock = true;
     options.json = true;
     options.log = log;
-    options.network = "none";
+    options.network = network;
+    if (!apiBase.empty()) options.apiBase = apiBase;
     std::ostringstream out;
     {
       PhoneSession session(options, out);
@@ -90,6 +93,33 @@ TEST_F(PhoneSessionTest, BadCommandsAreReportedAndTheSessionGoesOn) {
     logged |= event["event"] == Value("log") && event["message"] == Value("Device ..............................token: 0a1b2c3d4e");
   }
   EXPECT_TRUE(logged);
+}
+
+TEST_F(PhoneSessionTest, RequestsGoThroughTheApiClientOrMeetTheNoNetworkAlert) {
+  ::quillet::testing::TempDir serverDir;
+  backend::NewsServerOptions serverOptions;
+  serverOptions.port = 0;
+  serverOptions.dataDirectory = serverDir.path();
+  backend::NewsServer server(serverOptions);
+  ASSERT_TRUE(server.start());
+
+  auto all = play("launch\nrequest getAllCategory\nsettle\nrequest showNews {\"id\": \"999999\"}\nsettle\n"
+                  "network none\nrequest getFeaturedNews\nsettle\nrequest\n",
+                  false, "wifi", server.apiUrl());
+  std::vector<Value> events;
+  for (const Value& event : all) {
+    const std::string name = event["event"].string();
+    if (name.starts_with("request") || name == "alertShown" || name == "network" || name == "error") {
+      events.push_back(event);
+    }
+  }
+  EXPECT_EQ(names(events), (std::vector<std::string>{"requestSucceeded", "requestFailed", "network", "alertShown",
+                                                     "error"}));
+  EXPECT_EQ(events[0]["method"], Value("getAllCategory"));
+  EXPECT_GE(events[0]["reply"]["result"].count(), 8u);
+  EXPECT_EQ(events[1]["reply"]["status"].boolValue(), false);
+  EXPECT_EQ(events[3]["info"]["message"], Value("No Internet Connection Found"));
+  server.stop();
 }
 
 }  // namespace
