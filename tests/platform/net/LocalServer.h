@@ -25,6 +25,9 @@ class LocalServer {
   int start() {
     port_ = server_->bind_to_any_port("127.0.0.1");
     thread_ = std::thread([this] { server_->listen_after_bind(); });
+    // stop() before the server runs would be lost and the join would wait
+    // forever, so start() returns only once it listens.
+    while (!server_->is_running()) std::this_thread::yield();
     return port_;
   }
   std::string url(const std::string& path, const char* scheme = "http") const {
