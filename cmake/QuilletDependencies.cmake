@@ -9,6 +9,10 @@ find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(nlohmann_json REQUIRED)
 find_package(CLI11 REQUIRED)
 pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
+# Video: containers, decoders and pixel conversion for the platform's media facility.
+pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libswscale libavutil)
+# Still images: PNG, JPEG, GIF and BMP decoding for the platform's image facility.
+pkg_check_modules(STB REQUIRED IMPORTED_TARGET stb)
 
 # asio is header-only; it is used without boost.
 find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)

@@ -17,12 +17,14 @@ int main(int argc, char** argv) {
   std::string host = "127.0.0.1";
   int newsPort = 8088;
   std::string resourcesDir;
+  std::string videosDir;
   app.add_option("--data-dir", dataDir, "Directory of the servers' data (default: beside Quillet's data root)");
   app.add_option("--host", host, "Address to listen on")->capture_default_str();
   app.add_option("--news-port", newsPort, "Port of the news API; 0 picks a free one")
       ->capture_default_str()
       ->check(CLI::Range(0, 65535));
   app.add_option("--resources-dir", resourcesDir, "Directory of the seed data (default: the packaged resources)");
+  app.add_option("--videos-dir", videosDir, "Directory of the stories' videos (default: the videos the build made)");
   CLI11_PARSE(app, argc, argv);
 
   quillet::platform::Log::setProcessName("quillet-backend");
@@ -43,6 +45,7 @@ int main(int argc, char** argv) {
   newsOptions.port = newsPort;
   newsOptions.dataDirectory = root / "news";
   newsOptions.resourceDirectory = resourcesDir;
+  newsOptions.videoDirectory = videosDir;
   quillet::backend::NewsServer news(newsOptions);
   quillet::platform::Error error;
   if (!news.start(&error)) {

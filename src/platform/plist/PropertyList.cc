@@ -120,6 +120,7 @@ bool validAt(const Value& value, int depth) {
   switch (value.type()) {
     case Value::Type::Nil:
     case Value::Type::Null:
+    case Value::Type::Object:
       return false;
     case Value::Type::String:
       return isWritableText(value.string());

@@ -1,5 +1,6 @@
 #include "platform/ui/Application.h"
 
+#include "platform/notifications/NotificationCenter.h"
 #include "platform/text/Url.h"
 
 namespace quillet::platform {
@@ -141,6 +142,13 @@ void Application::deliverRemoteNotification(const Value& payload, bool fetchForm
   } else {
     delegate_->didReceiveRemoteNotification(*this, payload);
   }
+}
+
+void Application::receiveMemoryWarning() {
+  NotificationCenter::defaultCenter().post(kDidReceiveMemoryWarningNotification, this);
+  UiEvent event;
+  event.kind = UiEvent::Kind::MemoryWarning;
+  events_->emit(std::move(event));
 }
 
 }  // namespace quillet::platform

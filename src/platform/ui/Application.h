@@ -30,6 +30,9 @@ const char* applicationStateName(ApplicationState state);
 // their own. Main run loop thread only.
 class Application {
  public:
+  // Posted on NotificationCenter::defaultCenter() by receiveMemoryWarning, object the application.
+  static constexpr const char* kDidReceiveMemoryWarningNotification = "ApplicationDidReceiveMemoryWarning";
+
   explicit Application(std::shared_ptr<UiEvents> events = nullptr);
 
   static Application& sharedApplication();
@@ -81,6 +84,9 @@ class Application {
   void deliverDeviceToken(const Value& deviceToken);
   void failRemoteNotificationRegistration(const Error& error);
   void deliverRemoteNotification(const Value& payload, bool fetchForm);
+  // The system is short of memory: posts kDidReceiveMemoryWarningNotification
+  // (caches empty themselves) and "memoryWarning" to the stream.
+  void receiveMemoryWarning();
 
  private:
   std::shared_ptr<UiEvents> events_;

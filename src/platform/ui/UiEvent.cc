@@ -18,6 +18,7 @@ const char* UiEvent::kindName(Kind kind) {
     case Kind::NotificationSettingsRegistered: return "notificationSettingsRegistered";
     case Kind::RemoteNotificationsRegistered: return "remoteNotificationsRegistered";
     case Kind::Toast: return "toast";
+    case Kind::MemoryWarning: return "memoryWarning";
   }
   return "unknown";
 }

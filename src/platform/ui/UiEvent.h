@@ -25,6 +25,7 @@ struct UiEvent {
     NotificationSettingsRegistered,  // number: the types
     RemoteNotificationsRegistered,   // number: 1 registered, 0 unregistered
     Toast,            // text: the toast's text
+    MemoryWarning,    // the application received a memory warning
   };
 
   Kind kind = Kind::Toast;

@@ -31,6 +31,19 @@ void View::removeFromSuperview() {
   }
 }
 
+void View::setAssociatedObject(const std::string& key, std::shared_ptr<void> object) {
+  if (object) {
+    associatedObjects_[key] = std::move(object);
+  } else {
+    associatedObjects_.erase(key);
+  }
+}
+
+std::shared_ptr<void> View::associatedObject(const std::string& key) const {
+  auto found = associatedObjects_.find(key);
+  return found == associatedObjects_.end() ? nullptr : found->second;
+}
+
 std::shared_ptr<View> View::viewWithName(std::string_view name) const {
   for (const auto& child : subviews_) {
     if (child->name_ == name) return child;

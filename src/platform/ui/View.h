@@ -64,6 +64,12 @@ class View : public std::enable_shared_from_this<View> {
   void setTapHandler(std::function<void()> handler) { tapHandler_ = std::move(handler); }
   void addSwipeHandler(SwipeDirection direction, std::function<void()> handler);
 
+  // Objects that other layers attach to a view (a running image load, ...),
+  // owned by the view until replaced; a null object removes the key.
+  void setAssociatedObject(const std::string& key, std::shared_ptr<void> object);
+  // The object under `key`, or null.
+  std::shared_ptr<void> associatedObject(const std::string& key) const;
+
   // What a finger does, as the driver asks for it. False with a ui error when
   // the view is hidden, not interactive or has nothing to do for the gesture.
   virtual bool performTap(Error* error);
@@ -102,6 +108,7 @@ class View : public std::enable_shared_from_this<View> {
   View* superview_ = nullptr;
   std::function<void()> tapHandler_;
   std::map<SwipeDirection, std::function<void()>> swipeHandlers_;
+  std::map<std::string, std::shared_ptr<void>> associatedObjects_;
 };
 
 const char* swipeDirectionName(SwipeDirection direction);

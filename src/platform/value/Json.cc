@@ -176,6 +176,7 @@ class JsonWriter {
       case Value::Type::Nil: return fail("Invalid type in JSON write (nil)");
       case Value::Type::Bytes: return fail("Invalid type in JSON write (bytes)");
       case Value::Type::Date: return fail("Invalid type in JSON write (date)");
+      case Value::Type::Object: return fail("Invalid type in JSON write (object)");
     }
     return fail("Invalid type in JSON write");
   }

@@ -199,6 +199,12 @@ Value Value::dictionary(std::initializer_list<std::pair<const std::string, Value
   return Value(Dictionary(items));
 }
 
+Value Value::object(std::shared_ptr<const ValueObject> object) {
+  Value v;
+  if (object) v.storage_ = ObjectTag{std::move(object)};
+  return v;
+}
+
 Value::Type Value::type() const { return static_cast<Type>(storage_.index()); }
 
 bool Value::isNumber() const { return isBool() || isInteger() || isDouble(); }
@@ -255,6 +261,11 @@ const Value::Array& Value::arrayItems() const { return std::get<Array>(storage_)
 Value::Array& Value::arrayItems() { return std::get<Array>(storage_); }
 const Value::Dictionary& Value::dictionaryItems() const { return std::get<Dictionary>(storage_); }
 Value::Dictionary& Value::dictionaryItems() { return std::get<Dictionary>(storage_); }
+
+std::shared_ptr<const ValueObject> Value::asObject() const {
+  const auto* tag = std::get_if<ObjectTag>(&storage_);
+  return tag ? tag->object : nullptr;
+}
 
 const Value& Value::operator[](std::string_view key) const {
   if (!isDictionary()) return nilValue();
@@ -313,6 +324,7 @@ std::string Value::description() const {
       return out + ">";
     }
     case Type::Date: return dateText(dateSeconds());
+    case Type::Object: return asObject()->description();
     case Type::Array:
     case Type::Dictionary: {
       std::string out;

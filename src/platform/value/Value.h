@@ -3,21 +3,25 @@
 #include <cstdint>
 #include <initializer_list>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
 
+#include "platform/value/ValueObject.h"
+
 namespace quillet::platform {
 
 // The dynamic object of the phone's program: nil (no object), the null object
 // (a JSON null), a boolean, an integer, a real, a string, bytes, a date, an
-// array or a dictionary with string keys. Values are plain copyable data;
-// they are not thread-safe for concurrent mutation of one instance.
+// array, a dictionary with string keys, or a shared platform object (an
+// image, ...). Values are plain copyable data; they are not thread-safe for
+// concurrent mutation of one instance.
 class Value {
  public:
-  enum class Type { Nil, Null, Bool, Integer, Double, String, Bytes, Date, Array, Dictionary };
+  enum class Type { Nil, Null, Bool, Integer, Double, String, Bytes, Date, Array, Dictionary, Object };
   using Array = std::vector<Value>;
   using Dictionary = std::map<std::string, Value>;  // keys kept sorted
   using Bytes = std::vector<uint8_t>;
@@ -45,6 +49,8 @@ class Value {
   static Value date(double secondsSince1970);
   static Value array(std::initializer_list<Value> items);
   static Value dictionary(std::initializer_list<std::pair<const std::string, Value>> items);
+  // A platform object; a null pointer gives nil.
+  static Value object(std::shared_ptr<const ValueObject> object);
 
   Type type() const;
   bool isNil() const { return type() == Type::Nil; }
@@ -59,6 +65,7 @@ class Value {
   bool isDate() const { return type() == Type::Date; }
   bool isArray() const { return type() == Type::Array; }
   bool isDictionary() const { return type() == Type::Dictionary; }
+  bool isObject() const { return type() == Type::Object; }
 
   // Readings in the manner of the original's number and string objects:
   // numbers convert; a string is read by its leading number ("12abc" -> 12,
@@ -75,6 +82,13 @@ class Value {
   Array& arrayItems();
   const Dictionary& dictionaryItems() const;
   Dictionary& dictionaryItems();
+  // The object held, or null when this is not an object.
+  std::shared_ptr<const ValueObject> asObject() const;
+  // The object held when it is a T, else null.
+  template <class T>
+  std::shared_ptr<const T> objectAs() const {
+    return std::dynamic_pointer_cast<const T>(asObject());
+  }
 
   // Dictionary look-up: nil when this is not a dictionary or the key is absent.
   const Value& operator[](std::string_view key) const;
@@ -92,8 +106,8 @@ class Value {
 
   // The text "%@" gives: "(null)" for nil, "<null>" for the null object, a
   // number's digits (true -> "1"), strings as they stand, bytes as
-  // "<0a1b2c3d 0e>", dates as "2001-01-01 00:00:00 +0000", arrays and
-  // dictionaries in the original's multi-line style:
+  // "<0a1b2c3d 0e>", dates as "2001-01-01 00:00:00 +0000", an object by its
+  // own description, arrays and dictionaries in the original's multi-line style:
   //   (\n    1,\n    "a b"\n)        {\n    key = value;\n    "other key" = 2;\n}
   // Keys sorted. Inside a collection, a scalar's text (keys too) is quoted
   // unless it is non-empty ASCII letters and digits only ("id_str", "-1",
@@ -103,7 +117,8 @@ class Value {
   std::string description() const;
 
   // Numbers (bool, integer, real) compare by value, so Value(true) == Value(1)
-  // and Value(1) == Value(1.0); everything else compares by type and content.
+  // and Value(1) == Value(1.0); objects by identity; everything else compares
+  // by type and content.
   bool operator==(const Value& other) const;
 
  private:
@@ -118,7 +133,12 @@ class Value {
     Bytes data;
     bool operator==(const BytesTag&) const = default;
   };
-  std::variant<std::monostate, NullTag, bool, int64_t, double, std::string, BytesTag, DateTag, Array, Dictionary>
+  struct ObjectTag {
+    std::shared_ptr<const ValueObject> object;
+    bool operator==(const ObjectTag&) const = default;  // same pointer
+  };
+  std::variant<std::monostate, NullTag, bool, int64_t, double, std::string, BytesTag, DateTag, Array, Dictionary,
+               ObjectTag>
       storage_;
 };
 
