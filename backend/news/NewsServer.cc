@@ -19,6 +19,9 @@
 #ifndef QUILLET_BACKEND_RESOURCES
 #define QUILLET_BACKEND_RESOURCES "resources/backend"
 #endif
+#ifndef QUILLET_BACKEND_VIDEOS
+#define QUILLET_BACKEND_VIDEOS "resources/videos"
+#endif
 
 namespace quillet::backend {
 namespace {
@@ -74,6 +77,7 @@ struct NewsServer::Impl {
   void answerApi(const httplib::Request& request, httplib::Response& response);
   void answerImage(const httplib::Request& request, httplib::Response& response);
   void answerStoryPage(const httplib::Request& request, httplib::Response& response);
+  void answerVideo(const httplib::Request& request, httplib::Response& response);
   void answerControl(const httplib::Request& request, httplib::Response& response);
   // Waits `milliseconds` of real time unless the server stops first.
   void delay(int milliseconds);
@@ -108,6 +112,8 @@ void NewsServer::Impl::installRoutes() {
            [this](const httplib::Request& q, httplib::Response& r) { answerApi(q, r); });
   http.Get(R"(/newsapp/images/(story|category)/(\d{1,9})(-hd|-normal)?\.(png|jpg))",
            [this](const httplib::Request& q, httplib::Response& r) { answerImage(q, r); });
+  http.Get(R"(/newsapp/videos/([A-Za-z0-9_-]{1,64})\.mp4)",
+           [this](const httplib::Request& q, httplib::Response& r) { answerVideo(q, r); });
   http.Get(R"(/newsapp/story/(\d{1,18}))",
            [this](const httplib::Request& q, httplib::Response& r) { answerStoryPage(q, r); });
   http.Post("/_control", [this](const httplib::Request& q, httplib::Response& r) { answerControl(q, r); });
@@ -187,6 +193,21 @@ void NewsServer::Impl::answerStoryPage(const httplib::Request& request, httplib:
                            htmlEscape((*item)["new_title"].description()) + "</h1><p>" +
                            htmlEscape(body.isString() ? body.string() : std::string()) + "</p></body></html>",
                        "text/html; charset=utf-8");
+}
+
+// The whole file goes in the reply; the HTTP library cuts it to the byte
+// ranges a request asks for (206), as a video reader seeking over HTTP does.
+void NewsServer::Impl::answerVideo(const httplib::Request& request, httplib::Response& response) {
+  const std::filesystem::path directory =
+      options.videoDirectory.empty() ? std::filesystem::path(QUILLET_BACKEND_VIDEOS) : options.videoDirectory;
+  std::string name = request.matches[1];
+  name += ".mp4";
+  auto bytes = platform::AtomicFile::read(directory / name);
+  if (!bytes) {
+    response.status = 404;
+    return;
+  }
+  response.set_content(std::move(*bytes), "video/mp4");
 }
 
 void NewsServer::Impl::answerControl(const httplib::Request& request, httplib::Response& response) {

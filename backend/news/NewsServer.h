@@ -12,7 +12,9 @@ namespace quillet::backend {
 
 // The stand-in news server. It answers the API under "/newsapp/api/" (see
 // NewsApi), serves the pictures of stories and categories under
-// "/newsapp/images/", a page per story under "/newsapp/story/<id>", and takes
+// "/newsapp/images/", the videos of stories under "/newsapp/videos/<name>.mp4"
+// (from the video directory, with byte ranges), a page per story under
+// "/newsapp/story/<id>", and takes
 // misbehaviour switches at POST "/_control" with a JSON body:
 //   {"fault": "none"|"status_false"|"html"|"not_found"|"drop",
 //    "delay_ms": 250, "method": "showNews"}   (no "method": every API method)

@@ -14,6 +14,7 @@ struct NewsServerOptions {
   int port = 0;                                // 0: an ephemeral port, see NewsServer::port()
   std::filesystem::path dataDirectory;         // holds "news.sqlite"
   std::filesystem::path resourceDirectory;     // holds "news/seed.json"; empty: the packaged resources
+  std::filesystem::path videoDirectory;        // holds "<name>.mp4"; empty: the videos the build made
   std::shared_ptr<platform::Clock> clock;      // times of requests and records; null: the system clock
 };
 
