@@ -2,6 +2,7 @@
 // input or a script and prints what happens on the phone (docs/driver.md).
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 
@@ -26,6 +27,11 @@ int main(int argc, char** argv) {
   std::string script;
   app.add_option("--script", script, "Read commands from this file instead of standard input");
   app.add_flag("--log", options.log, "Also print the process log as events");
+  std::string screen = "375x667";
+  app.add_option("--screen", screen, "The phone's screen in points, WIDTHxHEIGHT")->capture_default_str();
+  app.add_option("--scale", options.screenScale, "Pixels per point of the screen")
+      ->check(CLI::Range(1.0, 4.0))
+      ->capture_default_str();
   bool version = false;
   app.add_flag("--version", version, "Print the version and exit");
   CLI11_PARSE(app, argc, argv);
@@ -33,6 +39,11 @@ int main(int argc, char** argv) {
   if (version) {
     std::cout << "quillet 0.1.0\n";
     return 0;
+  }
+  if (std::sscanf(screen.c_str(), "%lfx%lf", &options.screenWidth, &options.screenHeight) != 2 ||
+      !(options.screenWidth > 0) || !(options.screenHeight > 0)) {
+    std::cerr << "quillet: --screen needs WIDTHxHEIGHT in points, such as 375x667\n";
+    return 2;
   }
   options.dataDirectory = dataDir;
   options.virtualClock = clock == "virtual";

@@ -1,5 +1,7 @@
 #include "news/driver/EventPrinter.h"
 
+#include <cmath>
+
 #include "platform/value/Json.h"
 
 namespace quillet::news {
@@ -37,6 +39,7 @@ Value encodable(const Value& value) {
 
 void EventPrinter::print(const std::string& event, Value fields) {
   Value object = fields.isDictionary() ? encodable(fields) : Value(Value::Dictionary{});
+  if (now_) object.set("time", Value(std::round(now_() * 1000.0) / 1000.0));
   if (json_) {
     object.set("event", event);
     out_ << platform::jsonEncode(object) << '\n';

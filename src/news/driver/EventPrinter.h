@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <ostream>
 #include <string>
 
@@ -15,6 +17,9 @@ class EventPrinter {
  public:
   EventPrinter(std::ostream& out, bool json) : out_(out), json_(json) {}
 
+  // With a time source, every event carries "time": its seconds, to the millisecond.
+  void setTimeSource(std::function<double()> now) { now_ = std::move(now); }
+
   // `fields` is a dictionary (or nil) without "event".
   void print(const std::string& event, platform::Value fields = platform::Value());
   // A UI event, named by its kind.
@@ -23,6 +28,7 @@ class EventPrinter {
  private:
   std::ostream& out_;
   bool json_;
+  std::function<double()> now_;
 };
 
 }  // namespace quillet::news

@@ -15,6 +15,9 @@ struct PhoneOptions {
   bool virtualClock = false;     // a ManualClock main loop driven by "wait"
   bool json = false;             // one JSON object per line
   bool log = false;              // also print the process log as "log" events
+  double screenWidth = 375;      // the phone's screen in points, and its scale
+  double screenHeight = 667;
+  double screenScale = 2;
 };
 
 }  // namespace quillet::news

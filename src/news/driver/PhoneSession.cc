@@ -3,15 +3,20 @@
 #include <cctype>
 #include <chrono>
 #include <cstdlib>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
 #include "news/app/AppKeys.h"
 #include "news/app/MainStoryboard.h"
+#include "news/driver/CardState.h"
+#include "news/driver/ReaderGestures.h"
 #include "news/store/NewsDatabaseFile.h"
+#include "news/support/ToastView.h"
 #include "platform/log/Log.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/reachability/ReachabilitySource.h"
+#include "platform/ui/Screen.h"
 #include "platform/ui/UiDriver.h"
 #include "platform/value/Json.h"
 
@@ -66,6 +71,12 @@ PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
       options_.virtualClock ? std::make_shared<platform::ManualClock>() : platform::Clock::system();
   loop_ = std::make_shared<platform::RunLoop>(clock);
   platform::RunLoop::setMain(loop_);
+  if (options_.virtualClock) {
+    startSeconds_ = clock->monotonicSeconds();
+    printer_.setTimeSource([this] { return loop_->clock()->monotonicSeconds() - startSeconds_; });
+  }
+  platform::Screen::main() = platform::Screen{options_.screenWidth, options_.screenHeight, options_.screenScale};
+  ToastView::dropQueue();
 
   if (options_.log) {
     logSink_ = platform::Log::addSink([this](const platform::LogRecord& record) {
@@ -84,7 +95,7 @@ PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
 
   appDelegate_ = std::make_shared<AppDelegate>(AppServices::shared(), fileSystem_, *defaults_,
                                                platform::NotificationCenter::defaultCenter(),
-                                               MainStoryboard::make(*defaults_, *loop_));
+                                               MainStoryboard::make(AppEnvironment{defaults_.get(), loop_.get(), fileSystem_}));
   application_->setDelegate(appDelegate_);
   Webmanager::sharedObject().setAPIBase(options_.apiBase);
   setNetwork(options_.network, false);
@@ -95,6 +106,7 @@ PhoneSession::~PhoneSession() {
   // The screens and the delegate refer to this session's defaults store; let them go with it.
   application_->window().setRootViewController(nullptr);
   application_->setDelegate(nullptr);
+  ToastView::dropQueue();
   if (logSink_ >= 0) platform::Log::removeSink(logSink_);
   platform::ReachabilitySource::setOverride(platform::ReachabilityOverride::Automatic);
 }
@@ -102,9 +114,9 @@ PhoneSession::~PhoneSession() {
 int PhoneSession::run(std::istream& in) {
   std::string line;
   while (std::getline(in, line)) {
-    if (!execute(line)) return 0;
+    if (!execute(line)) break;
   }
-  return 0;
+  return terminated_ ? 1 : 0;
 }
 
 bool PhoneSession::execute(const std::string& line) {
@@ -113,10 +125,18 @@ bool PhoneSession::execute(const std::string& line) {
   const size_t space = text.find_first_of(" \t");
   const std::string command = text.substr(0, space);
   const std::string argument = space == std::string::npos ? "" : trim(text.substr(space));
-  const bool goOn = dispatch(command, argument);
-  loop_->runPending();
-  drainLogs();
-  return goOn;
+  try {
+    const bool goOn = dispatch(command, argument);
+    loop_->runPending();
+    drainLogs();
+    return goOn;
+  } catch (const std::out_of_range& fault) {
+    // The app reads a list out of range with no guard: the program ends here.
+    drainLogs();
+    terminated_ = true;
+    printer_.print("terminated", Value::dictionary({{"reason", Value(fault.what())}}));
+    return false;
+  }
 }
 
 bool PhoneSession::dispatch(const std::string& command, const std::string& argument) {
@@ -136,7 +156,7 @@ bool PhoneSession::dispatch(const std::string& command, const std::string& argum
   } else if (command == "settle") {
     settle();
   } else if (command == "screen") {
-    printer_.print("screen", Value::dictionary({{"snapshot", platform::UiDriver(*application_).snapshot()}}));
+    printScreen();
   } else if (command == "network") {
     setNetwork(argument, true);
   } else if (command == "device-token") {
@@ -154,10 +174,36 @@ bool PhoneSession::dispatch(const std::string& command, const std::string& argum
     platform::UiDriver hand(*application_);
     const bool done = command == "tap" ? hand.tap(argument, &failure) : hand.tapAlertAction(argument, &failure);
     if (!done) error(command + " " + argument + ": " + failure.localizedDescription());
+  } else if (command == "swipe" || command == "select" || command == "check" || command == "switch" ||
+             command == "scroll") {
+    gesture(command, argument);
+  } else if (command == "memory-warning") {
+    application_->receiveMemoryWarning();
   } else {
     error("unknown command: " + command);
   }
   return true;
+}
+
+void PhoneSession::gesture(const std::string& command, const std::string& argument) {
+  ReaderGestures hand(*application_);
+  platform::Error failure;
+  bool done = false;
+  if (command == "swipe") done = hand.swipe(argument, &failure);
+  if (command == "select") done = hand.select(argument, &failure);
+  if (command == "check") done = hand.check(argument, &failure);
+  if (command == "switch") done = hand.setSwitch(argument, &failure);
+  if (command == "scroll") done = hand.scroll(argument, &failure);
+  if (!done) error(command + " " + argument + ": " + failure.localizedDescription());
+}
+
+void PhoneSession::printScreen() {
+  Value fields = Value::dictionary({{"snapshot", platform::UiDriver(*application_).snapshot()}});
+  Value feed = CardState::feed(*application_);
+  if (!feed.isNil()) fields.set("feed", feed);
+  Value toast = CardState::toast();
+  if (!toast.isNil()) fields.set("toast", toast);
+  printer_.print("screen", std::move(fields));
 }
 
 void PhoneSession::error(const std::string& message) {

@@ -35,10 +35,12 @@ class PhoneSession {
   PhoneSession(const PhoneSession&) = delete;
   PhoneSession& operator=(const PhoneSession&) = delete;
 
-  // Runs one command line; false after "quit". A bad command prints an
-  // "error" event and returns true.
+  // Runs one command line; false after "quit", or when the app ended with an
+  // uncaught out-of-range error ("terminated" event). A bad command prints
+  // an "error" event and returns true.
   bool execute(const std::string& line);
-  // Runs the commands of `in` until "quit" or the end; returns the exit status.
+  // Runs the commands of `in` until "quit" or the end; returns the exit
+  // status: 0, or 1 when the app was terminated.
   int run(std::istream& in);
 
   platform::Application& application() { return *application_; }
@@ -54,6 +56,9 @@ class PhoneSession {
   void deviceToken(const std::string& argument);
   void push(const std::string& argument, bool fetchForm);
   void request(const std::string& argument);
+  // Runs a reader gesture of ReaderGestures; prints its error.
+  void gesture(const std::string& command, const std::string& argument);
+  void printScreen();
   // Runs the loop until it has had no work for kQuietSeconds of real time.
   void settle();
   void drainLogs();
@@ -70,6 +75,8 @@ class PhoneSession {
   std::mutex logMutex_;
   std::deque<std::string> logLines_;  // guarded by logMutex_
   bool launched_ = false;
+  bool terminated_ = false;  // the app ended with an uncaught error
+  double startSeconds_ = 0;
 };
 
 }  // namespace quillet::news

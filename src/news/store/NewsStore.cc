@@ -1,5 +1,7 @@
 #include "news/store/NewsStore.h"
 
+#include "news/store/NewsItemAt.h"
+
 #include <array>
 #include <optional>
 #include <stdexcept>
@@ -56,13 +58,6 @@ constexpr const char* kSelectBookmarkedIDs = "select id from bookmark_table";
 constexpr const char* kInsertedLine = "inserted Succesfully ...... !";
 constexpr const char* kUpdatedLine = "updated Succesfully ...... !";
 
-// The item at `count`; out of range ends the program, as the feed has no guard.
-const Value& currentItem(const Value& arrNews, int count) {
-  if (!arrNews.isArray() || count < 0 || static_cast<size_t>(count) >= arrNews.count())
-    throw std::out_of_range(platform::format("index %d beyond bounds of news list", count));
-  return arrNews.at(static_cast<size_t>(count));
-}
-
 // The text bound for one column: the value formatted with "%@"; a JSON null
 // ("<null>") stores the empty string, while a missing key stays "(null)".
 std::string columnText(const Value& item, const char* sourceKey) {
@@ -113,7 +108,7 @@ void NewsStore::insertAllRecordToDB(const Value& arrNews) {
 }
 
 void NewsStore::insertAllRecordToBookmark(const Value& arrNews, int count) {
-  arrADDBookmark_ = Value::array({currentItem(arrNews, count)});
+  arrADDBookmark_ = Value::array({newsItemAt(arrNews, count)});
   for (const Value& item : arrADDBookmark_.arrayItems()) {
     std::optional<SqliteDatabase> db = SqliteDatabase::open(file_.getDBPath());
     if (!db) continue;
@@ -125,7 +120,7 @@ void NewsStore::deleteBookmarked(const Value& arrNews, int count) {
   std::optional<SqliteDatabase> db = SqliteDatabase::open(file_.getDBPath());
   if (!db) return;
   std::optional<SqliteStatement> statement =
-      db->prepare(platform::format(kDeleteBookmark, currentItem(arrNews, count)["id"]));
+      db->prepare(platform::format(kDeleteBookmark, newsItemAt(arrNews, count)["id"]));
   stepAndLog(*db, statement, kUpdatedLine);
 }
 

@@ -15,6 +15,8 @@ namespace quillet::platform {
 
 namespace {
 
+constexpr double kTransparentAlpha = 0.01;
+
 std::optional<int> parseNumber(std::string_view text) {
   int number = 0;
   auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -80,7 +82,15 @@ std::shared_ptr<View> UiDriver::reachableView(const std::string& path, Error* er
     uiError(error, UiErrorCode::NotInteractive, "an alert covers the screen");
     return nullptr;
   }
-  return findView(path, error);
+  auto view = findView(path, error);
+  // A finger does not reach a view faded out to (nearly) nothing, or one inside such a view.
+  for (const View* level = view.get(); level != nullptr; level = level->superview()) {
+    if (level->alpha() <= kTransparentAlpha) {
+      uiError(error, UiErrorCode::NotInteractive, "'" + path + "' is transparent");
+      return nullptr;
+    }
+  }
+  return view;
 }
 
 bool UiDriver::tap(const std::string& path, Error* error) {

@@ -5,13 +5,18 @@
 #include "platform/log/Log.h"
 #include "platform/ui/AlertController.h"
 #include "platform/ui/NavigationController.h"
+#include "platform/ui/Screen.h"
 #include "platform/ui/UiEvents.h"
 #include "platform/ui/Window.h"
 
 namespace quillet::platform {
 
 ViewController::ViewController(std::string identifier)
-    : identifier_(std::move(identifier)), view_(std::make_shared<View>(identifier_)) {}
+    : identifier_(std::move(identifier)), view_(std::make_shared<View>(identifier_)) {
+  // A screen fills the phone's screen.
+  const Screen& screen = Screen::main();
+  view_->setFrame(Rect{0, 0, screen.width, screen.height});
+}
 
 ViewController::~ViewController() = default;
 

@@ -37,7 +37,7 @@ class AppDelegateTest : public ::testing::Test {
   void makeApp() {
     app_ = std::make_shared<platform::Application>(std::make_shared<platform::UiEvents>());
     delegate_ = std::make_shared<AppDelegate>(AppServices{std::make_shared<news::testing::FakeContext>(), msg_, pubSub_, iid_},
-                                              fileSystem_, defaults_, center_, MainStoryboard::make(defaults_, *loop_));
+                                              fileSystem_, defaults_, center_, MainStoryboard::make(AppEnvironment{&defaults_, loop_.get(), fileSystem_}));
     app_->setDelegate(delegate_);
   }
 

@@ -1,14 +1,11 @@
 // The phone driver's command loop, in process, on virtual time.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "backend/news/NewsServer.h"
-#include "news/driver/PhoneSession.h"
-#include "platform/runloop/RunLoop.h"
-#include "platform/value/Json.h"
+#include "PhoneScript.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -19,39 +16,21 @@ using platform::Value;
 
 class PhoneSessionTest : public ::testing::Test {
  protected:
-  ~PhoneSessionTest() override { platform::RunLoop::setMain(nullptr); }
-
   // Runs `script` in a new session over the test's data root; the events printed.
   std::vector<Value> play(const std::string& script, bool log = false, const std::string& network = "none",
                           const std::string& apiBase = "") {
     PhoneOptions options;
     options.dataDirectory = dir_.path();
-    options.virtualClock = true;
-    options.json = true;
     options.log = log;
     options.network = network;
     if (!apiBase.empty()) options.apiBase = apiBase;
-    std::ostringstream out;
-    {
-      PhoneSession session(options, out);
-      std::istringstream in(script);
-      EXPECT_EQ(session.run(in), 0);
-    }
-    std::vector<Value> events;
-    std::istringstream lines(out.str());
-    std::string line;
-    while (std::getline(lines, line)) {
-      Value event = platform::jsonDecode(line);
-      EXPECT_TRUE(event["event"].isString()) << line;
-      events.push_back(event);
-    }
-    return events;
+    testing::PhoneRun run = testing::playScript(options, script);
+    EXPECT_EQ(run.status, 0);
+    return run.events;
   }
 
   static std::vector<std::string> names(const std::vector<Value>& events) {
-    std::vector<std::string> out;
-    for (const Value& event : events) out.push_back(event["event"].string());
-    return out;
+    return testing::PhoneRun{events, 0}.names();
   }
 
   ::quillet::testing::LogCapture log_;
@@ -62,12 +41,14 @@ TEST_F(PhoneSessionTest, FirstLaunchWaitsOnTheSplashThenShowsOnboarding) {
   auto events = play("launch\nwait 4\nscreen\nquit\nscreen\n");
   EXPECT_EQ(names(events),
             (std::vector<std::string>{"notificationSettingsRegistered", "remoteNotificationsRegistered",
-                                      "screenReplaced", "badgeChanged", "screenPushed", "screen", "quit"}));
+                                      "screenReplaced", "badgeChanged", "alertShown", "screenPushed", "screen",
+                                      "quit"}));
   EXPECT_EQ(events[1]["number"], Value(1));
   EXPECT_EQ(events[2]["screen"], Value("SplashVC"));
-  EXPECT_EQ(events[4]["screen"], Value("CategoryVC"));
-  EXPECT_TRUE(events[4]["animated"].isNil());  // present only when true
-  const Value& snapshot = events[5]["snapshot"];
+  EXPECT_EQ(events[4]["info"]["message"], Value("No Internet Connection Found"));  // onboarding asks for categories
+  EXPECT_EQ(events[5]["screen"], Value("CategoryVC"));
+  EXPECT_TRUE(events[5]["animated"].isNil());  // present only when true
+  const Value& snapshot = events[6]["snapshot"];
   EXPECT_EQ(snapshot["screen"], Value("CategoryVC"));
   EXPECT_EQ(snapshot["stack"], Value::array({"SplashVC", "CategoryVC"}));
 

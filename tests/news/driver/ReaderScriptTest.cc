@@ -1,0 +1,118 @@
+// A reader's whole session against the stand-in news server, on virtual time:
+// onboarding, the feed, swipes, bookmarks, the menu's feeds and categories,
+// refresh, the settings, and the toasts with their timing.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "PhoneScript.h"
+#include "backend/news/NewsServer.h"
+#include "platform/text/RegularExpression.h"
+#include "support/LogCapture.h"
+#include "support/TempDir.h"
+
+namespace quillet::news {
+namespace {
+
+using platform::Value;
+
+class ReaderScriptTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    backend::NewsServerOptions options;
+    options.port = 0;
+    options.dataDirectory = serverDir_.path();
+    server_ = std::make_unique<backend::NewsServer>(options);
+    ASSERT_TRUE(server_->start());
+  }
+  void TearDown() override { server_->stop(); }
+
+  testing::PhoneRun play(const std::string& script) {
+    PhoneOptions options;
+    options.dataDirectory = phoneDir_.path();
+    options.network = "wifi";
+    options.apiBase = server_->apiUrl();
+    return testing::playScript(options, script);
+  }
+
+  // The queries the server received for an API method, in order.
+  std::vector<std::string> queries(const std::string& method) {
+    std::vector<std::string> out;
+    for (const auto& request : server_->store()->recordedRequests()) {
+      if (request.path.ends_with("/" + method)) out.push_back(request.query);
+    }
+    return out;
+  }
+
+  static const Value& feed(const Value& screenEvent) { return screenEvent["feed"]; }
+
+  ::quillet::testing::LogCapture log_;
+  ::quillet::testing::TempDir serverDir_;
+  ::quillet::testing::TempDir phoneDir_;
+  std::unique_ptr<backend::NewsServer> server_;
+};
+
+TEST_F(ReaderScriptTest, AReaderOnboardsAndReadsTheNews) {
+  auto run = play(
+      "launch\nwait 4\nsettle\n"
+      "check 6\ncheck 2\ntap btnNext\nsettle\nsettle\nscreen\n"  // categories 7 then 3
+      "swipe right\nswipe left\nscreen\nswipe right\nscreen\n"
+      "tap lblNewsTitle\ntap lblNewsTitle\n"
+      "tap btnMenu\nscreen\nselect 5\nscreen\n"                    // Bookmarks: empty
+      "tap btnMenu\nselect 4\nscreen\n"                             // Unread
+      "tap btnMenu\nselect 6\nsettle\nscreen\nselect 7\nsettle\nscreen\n"  // More, then the first category
+      "tap btnRefresh\nsettle\n"
+      "tap btnOption\nswitch night on\nswitch hd off\nscreen\n"
+      "wait 30\nquit\n");
+  ASSERT_EQ(run.status, 0);
+  for (const Value& error : run.named("error")) ADD_FAILURE() << error["message"].string();
+
+  const auto addUser = queries("addUser");
+  ASSERT_EQ(addUser.size(), 1u);
+  EXPECT_NE(addUser[0].find("fav_category=7%2C3"), std::string::npos) << addUser[0];
+
+  const auto screens = run.named("screen");
+  ASSERT_EQ(screens.size(), 9u);
+  const Value& first = feed(screens[0]);
+  EXPECT_EQ(first["feedMode"], Value("MyFeed"));
+  EXPECT_EQ(first["count"], Value(0));
+  ASSERT_GT(first["listSize"].integerValue(), 2);
+  auto postedBy = platform::RegularExpression::create(
+      R"(Posted By .+ \| (\d\d(st|nd|rd|th) [A-Z][a-z]{2} \d{4}|\(null\)th \(null\)))");
+  ASSERT_TRUE(postedBy);
+  EXPECT_TRUE(postedBy->matchesWholeText(first["card"]["postedBy"].string())) << first["card"]["postedBy"].string();
+  EXPECT_EQ(feed(screens[1])["count"], Value(1));
+  EXPECT_EQ(feed(screens[2])["count"], Value(0));
+  EXPECT_EQ(feed(screens[3])["menu"].count(), 7u);
+  EXPECT_EQ(feed(screens[4])["feedTitle"], Value("Bookmarks"));
+  EXPECT_EQ(feed(screens[4])["listSize"], Value(0));
+  EXPECT_EQ(feed(screens[5])["feedTitle"], Value("Unread"));
+  EXPECT_EQ(feed(screens[5])["feedMode"], Value("Bookmark"));  // Unread keeps the mode before it
+  EXPECT_GT(feed(screens[5])["listSize"].integerValue(), 0);
+  const Value& expanded = feed(screens[6])["menu"];
+  ASSERT_GT(expanded.count(), 8u);
+  EXPECT_EQ(expanded.at(expanded.count() - 1), Value("Less"));
+  EXPECT_EQ(feed(screens[7])["feedMode"], Value("Category"));
+  EXPECT_EQ(feed(screens[7])["feedTitle"], expanded.at(7));  // row 6 is the first category
+  EXPECT_EQ(feed(screens[8])["card"]["titleColor"], Value("#FFFFFFFF"));
+  EXPECT_EQ(feed(screens[8])["options"].count(), 5u);
+
+  // Every toast in order, each 1.8 s after the one before at the earliest.
+  std::vector<std::string> texts;
+  double last = -10;
+  for (const Value& toast : run.named("toast")) {
+    texts.push_back(toast["text"].string());
+    EXPECT_GE(toast["time"].doubleValue() - last, 1.8 - 1e-6) << toast["text"].string();
+    last = toast["time"].doubleValue();
+  }
+  EXPECT_EQ(texts, (std::vector<std::string>{"Bookmarked", "Bookmark Removed", "No news to show.", "Please wait",
+                                             "Refreshed"}));
+  const auto defaults = play("defaults\n").named("defaults");
+  EXPECT_EQ(defaults[0]["values"]["Mode"], Value("Night"));
+  EXPECT_EQ(defaults[0]["values"]["ImageType"], Value("Normal"));
+  EXPECT_FALSE(defaults[0]["values"]["UserID"].string().empty());
+}
+
+}  // namespace
+}  // namespace quillet::news
