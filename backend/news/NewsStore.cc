@@ -219,13 +219,28 @@ std::optional<Value> NewsStore::story(int64_t id) {
 std::optional<int64_t> NewsStore::addUser(const std::string& deviceId, const std::string& deviceToken,
                                           const std::string& favCategory) {
   std::lock_guard lock(mutex_);
+  platform::Error error;
+  // A device registering again keeps its user, with the new token and favourites.
+  // Phones without a device id send "(null)": those cannot be told apart, so each is a new user.
+  if (!deviceId.empty() && deviceId != "(null)") {
+    auto find = db_.prepare("SELECT id FROM users WHERE device_id = ? ORDER BY id LIMIT 1");
+    if (find && find->bindText(1, deviceId) && find->step(&error) == platform::SqliteStatement::StepResult::Row) {
+      const int64_t userId = find->columnInt64(0);
+      auto update = db_.prepare("UPDATE users SET device_token = ?, fav_category = ? WHERE id = ?");
+      if (update && update->bindText(1, deviceToken) && update->bindText(2, favCategory) &&
+          update->bindInt64(3, userId) && update->step(&error) == platform::SqliteStatement::StepResult::Done) {
+        return userId;
+      }
+      platform::Log::write("news server: addUser failed: " + error.description());
+      return std::nullopt;
+    }
+  }
   auto st = db_.prepare("INSERT INTO users (device_id, device_token, fav_category, created) VALUES (?, ?, ?, ?)");
   if (!st) return std::nullopt;
   st->bindText(1, deviceId);
   st->bindText(2, deviceToken);
   st->bindText(3, favCategory);
   st->bindDouble(4, clock_->wallSeconds());
-  platform::Error error;
   if (st->step(&error) != platform::SqliteStatement::StepResult::Done) {
     platform::Log::write("news server: addUser failed: " + error.description());
     return std::nullopt;

@@ -108,6 +108,14 @@ TEST_F(NewsServerTest, AddUserGivesAnIdWhoseFeedIsTheFavouriteCategoriesAndSurvi
   startServer();
   EXPECT_EQ(idsOf(call("showNews?id=" + userId)["result"]), expected);
   EXPECT_FALSE(call("showNews?id=987654")["status"].boolValue());  // well-formed but unknown
+
+  // The same device again keeps its user with the new favourites; phones with no device id are each new.
+  Value again = call("addUser?device_id=dev-1&device_token=t2&fav_category=3");
+  EXPECT_EQ(again["user_id"].description(), userId);
+  EXPECT_EQ(idsOf(call("showNews?id=" + userId)["result"]), idsOf(call("showNews?category_id=3")["result"]));
+  const Value first = call("addUser?device_id=%28null%29&device_token=x&fav_category=3");
+  const Value second = call("addUser?device_id=%28null%29&device_token=x&fav_category=3");
+  EXPECT_NE(first["user_id"].description(), second["user_id"].description());
 }
 
 TEST_F(NewsServerTest, RequestsTheClientShouldNotSendAreRefused) {
