@@ -31,3 +31,6 @@ endif()
 if(QUILLET_BENCH)
   find_package(benchmark REQUIRED)
 endif()
+
+# Wire messages of the relay protocol: protoc at build time, libprotobuf at run time.
+find_package(Protobuf REQUIRED)

@@ -8,6 +8,8 @@
 #include <iostream>
 
 #include "backend/news/NewsServer.h"
+#include "backend/relay/RelayCertificateAuthority.h"
+#include "backend/relay/RelayServer.h"
 #include "platform/files/FileSystem.h"
 #include "platform/log/Log.h"
 
@@ -25,6 +27,14 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(0, 65535));
   app.add_option("--resources-dir", resourcesDir, "Directory of the seed data (default: the packaged resources)");
   app.add_option("--videos-dir", videosDir, "Directory of the stories' videos (default: the videos the build made)");
+  int relayPort = 5228;
+  std::string relayDevice;
+  std::string relaySecret;
+  app.add_option("--relay-port", relayPort, "Port of the relay (messaging) server; 0 picks a free one")
+      ->capture_default_str()
+      ->check(CLI::Range(0, 65535));
+  app.add_option("--relay-device", relayDevice, "Device id the relay server accepts at login");
+  app.add_option("--relay-secret", relaySecret, "That device's secret");
   CLI11_PARSE(app, argc, argv);
 
   quillet::platform::Log::setProcessName("quillet-backend");
@@ -54,8 +64,26 @@ int main(int argc, char** argv) {
   }
   std::cout << "news " << news.apiUrl() << std::endl;
 
+  // The relay serves TLS with the backend's own authority (made at first start).
+  quillet::backend::RelayCertificateAuthority authority(root / "ca");
+  quillet::backend::RelayServerOptions relayOptions;
+  relayOptions.host = host;
+  relayOptions.port = relayPort;
+  relayOptions.certificateFile = authority.certificateFile();
+  relayOptions.keyFile = authority.keyFile();
+  if (!relayDevice.empty()) relayOptions.credentials[relayDevice] = relaySecret;
+  relayOptions.heartbeatIntervalSeconds = 60;
+  quillet::backend::RelayServer relay(relayOptions);
+  if (!authority.ensure(&error) || !relay.start(&error)) {
+    std::cerr << "quillet-backend: relay server: " << error.localizedDescription() << "\n";
+    return 1;
+  }
+  std::cout << "relay " << host << ":" << relay.port() << std::endl;
+  std::cout << "relay-admin " << relay.adminUrl() << std::endl;
+
   int signalNumber = 0;
   sigwait(&stopSignals, &signalNumber);
+  relay.stop();
   news.stop();
   std::cout << "stopped" << std::endl;
   return 0;

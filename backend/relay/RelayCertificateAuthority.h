@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+
+#include "platform/value/Error.h"
+
+namespace quillet::backend {
+
+// The certificate authority of the stand-in cloud's TLS services, kept in a
+// directory: made at first start ("ca.pem", "ca-key.pem"), with a server
+// certificate for 127.0.0.1 and localhost that it signed ("relay.pem",
+// "relay-key.pem"). Later starts reuse the files. The app trusts "ca.pem".
+class RelayCertificateAuthority {
+ public:
+  explicit RelayCertificateAuthority(std::filesystem::path directory) : directory_(std::move(directory)) {}
+
+  // Makes whatever is missing; false with `error` when OpenSSL or the files fail.
+  bool ensure(platform::Error* error = nullptr);
+
+  std::filesystem::path caFile() const { return directory_ / "ca.pem"; }
+  std::filesystem::path certificateFile() const { return directory_ / "relay.pem"; }
+  std::filesystem::path keyFile() const { return directory_ / "relay-key.pem"; }
+
+ private:
+  std::filesystem::path caKeyFile() const { return directory_ / "ca-key.pem"; }
+
+  std::filesystem::path directory_;
+};
+
+}  // namespace quillet::backend
