@@ -1,5 +1,6 @@
 #include "platform/net/HttpMultiLoop.h"
 
+#include <openssl/crypto.h>
 #include <pthread.h>
 
 #include <algorithm>
@@ -15,8 +16,15 @@ namespace {
 constexpr int kIdleWaitMs = 60'000;
 constexpr int kBusyWaitMs = 1'000;  // a bound so that the clock is read often while requests run
 
+// The TLS library's set-up keeps per-thread state on the thread that ran
+// it, which may be a worker that never ends; it is released here, since the
+// library makes it again when that thread needs it.
 void initialiseTransportOnce() {
-  static const bool initialised = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+  static const bool initialised = [] {
+    const bool done = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    OPENSSL_thread_stop();
+    return done;
+  }();
   (void)initialised;
 }
 

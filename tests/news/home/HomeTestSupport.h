@@ -15,7 +15,6 @@
 #include "platform/ui/NavigationController.h"
 #include "platform/ui/UiEvents.h"
 #include "news/api/Webmanager.h"
-#include "platform/net/HttpSession.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -30,9 +29,6 @@ class HomeFixture {
         clock_(std::make_shared<platform::ManualClock>()),
         loop_(std::make_shared<platform::RunLoop>(clock_)),
         app_(std::make_shared<platform::Application>(std::make_shared<platform::UiEvents>())) {
-    // The transport's TLS library is set up on this (the main) thread, so that
-    // its per-thread state is released at exit rather than left on a worker.
-    { platform::HttpSession warmUp; }
     platform::RunLoop::setMain(loop_);
     platform::Application::setSharedApplication(app_);
     platform::ReachabilitySource::setOverride(platform::ReachabilityOverride::WiFi);
