@@ -40,9 +40,11 @@ std::shared_ptr<DispatchQueue> DispatchQueue::forRunLoop(std::shared_ptr<RunLoop
 }
 
 std::shared_ptr<DispatchQueue> DispatchQueue::main() {
-  static std::mutex mutex;
-  static std::shared_ptr<DispatchQueue> queue;
-  std::lock_guard lock(mutex);
+  // Never destroyed: threads that outlive main() (the network thread) may still post to it.
+  static auto* mutex = new std::mutex;
+  static auto* slot = new std::shared_ptr<DispatchQueue>;
+  std::shared_ptr<DispatchQueue>& queue = *slot;
+  std::lock_guard lock(*mutex);
   auto loop = RunLoop::mainShared();
   // The main loop may have been replaced (tests); follow it.
   if (!queue || queue->loop_ != loop) queue = forRunLoop(loop, kMainLabel);
@@ -50,8 +52,9 @@ std::shared_ptr<DispatchQueue> DispatchQueue::main() {
 }
 
 std::shared_ptr<DispatchQueue> DispatchQueue::global() {
-  static std::shared_ptr<DispatchQueue> queue = makeConcurrent("com.quillet.root.default-qos");
-  return queue;
+  // Never destroyed, like the main queue.
+  static auto* queue = new std::shared_ptr<DispatchQueue>(makeConcurrent("com.quillet.root.default-qos"));
+  return *queue;
 }
 
 std::string DispatchQueue::currentLabel() {

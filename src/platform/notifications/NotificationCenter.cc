@@ -5,8 +5,8 @@
 namespace quillet::platform {
 
 NotificationCenter& NotificationCenter::defaultCenter() {
-  static NotificationCenter center;
-  return center;
+  static auto* center = new NotificationCenter();  // never destroyed: threads that outlive main() may post
+  return *center;
 }
 
 NotificationCenter::ObserverToken NotificationCenter::addObserver(std::string name, const void* object, Block block) {

@@ -18,12 +18,13 @@ constexpr double kLongestWait = 1.0;
 thread_local RunLoop* currentLoop = nullptr;
 
 std::mutex& mainMutex() {
-  static std::mutex m;
-  return m;
+  // Never destroyed: threads that outlive main() (the network thread) may still ask for the main loop.
+  static auto* m = new std::mutex;
+  return *m;
 }
 std::shared_ptr<RunLoop>& mainSlot() {
-  static std::shared_ptr<RunLoop> loop;
-  return loop;
+  static auto* loop = new std::shared_ptr<RunLoop>;
+  return *loop;
 }
 
 }  // namespace
