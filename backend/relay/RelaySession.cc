@@ -1,7 +1,7 @@
 #include "backend/relay/RelaySession.h"
 
 #include <asio/write.hpp>
-#include <google/protobuf/io/coded_stream.h>
+#include "messaging/schema/MSGProto.h"
 
 #include "messaging/schema/MSGProtoTag.h"
 #include "messaging/schema/MSGUtilities.h"
@@ -11,7 +11,6 @@
 namespace quillet::backend {
 
 using namespace quillet::messaging;
-using google::protobuf::io::CodedOutputStream;
 
 namespace {
 
@@ -21,7 +20,7 @@ constexpr size_t kOversizedBody = 1536 * 1024;
 std::string frameBytes(uint8_t tag, const std::string& body) {
   std::string out(1, static_cast<char>(tag));
   uint8_t length[5];
-  uint8_t* end = CodedOutputStream::WriteVarint32ToArray(static_cast<uint32_t>(body.size()), length);
+  uint8_t* end = MSGCodedOutputStream::WriteVarint32ToArray(static_cast<uint32_t>(body.size()), length);
   out.append(reinterpret_cast<char*>(length), static_cast<size_t>(end - length));
   out.append(body);
   return out;
@@ -193,7 +192,7 @@ void RelaySession::perform(RelayFault action) {
   }
 }
 
-void RelaySession::send(google::protobuf::Message& message) {
+void RelaySession::send(messaging::MSGProtoMessage& message) {
   ++outStreamId_;
   MSGUtilities::setLastStreamIdForProto(message, inStreamId_);
   writeRaw(frameBytes(static_cast<uint8_t>(MSGUtilities::tagForProto(message)), message.SerializePartialAsString()));

@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-#include <google/protobuf/message.h>
+#include "messaging/schema/MSGProto.h"
 
 #include "backend/relay/RelayFault.h"
 #include "backend/relay/RelayMailbox.h"
@@ -42,7 +42,7 @@ class RelaySession : public std::enable_shared_from_this<RelaySession> {
   void consume();
   bool handleFrame(int tag, const std::string& body);  // false: close
   bool handleLogin(const std::string& body);
-  void send(google::protobuf::Message& message);
+  void send(messaging::MSGProtoMessage& message);
   void writeRaw(std::string bytes, bool thenDrop = false);
   void writeNext();
   void scheduleHeartbeat();

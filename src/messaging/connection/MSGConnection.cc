@@ -87,7 +87,7 @@ void MSGConnection::sendLoginRequest(const std::string& authId, const std::strin
   sendProto(request);
 }
 
-void MSGConnection::sendProto(google::protobuf::Message& proto) {
+void MSGConnection::sendProto(MSGProtoMessage& proto) {
   const int8_t tag = MSGUtilities::tagForProto(proto);
   const State required = tag == kMSGProtoTagLoginRequest ? kStateLoggingIn : kStateSignedIn;
   if (state_ != required || !socket_) return;
@@ -97,7 +97,7 @@ void MSGConnection::sendProto(google::protobuf::Message& proto) {
                     MSGUtilities::persistentIdForProto(proto));
 }
 
-void MSGConnection::willSendProto(google::protobuf::Message& proto) {
+void MSGConnection::willSendProto(MSGProtoMessage& proto) {
   ++outStreamId_;
   auto persistentId = MSGUtilities::persistentIdForProto(proto);
   if (persistentId && !persistentId->empty()) d2sInfos_.push_back({outStreamId_, *persistentId});
@@ -111,14 +111,14 @@ void MSGConnection::willSendProto(google::protobuf::Message& proto) {
   }
 }
 
-void MSGConnection::sendOnConnectOrDrop(const google::protobuf::Message& proto) {
+void MSGConnection::sendOnConnectOrDrop(const MSGProtoMessage& proto) {
   if (state_ == kStateSignedIn) {
-    std::unique_ptr<google::protobuf::Message> copy(proto.New());
+    std::unique_ptr<MSGProtoMessage> copy(proto.New());
     copy->CopyFrom(proto);
     sendProto(*copy);
     return;
   }
-  std::unique_ptr<google::protobuf::Message> held(proto.New());
+  std::unique_ptr<MSGProtoMessage> held(proto.New());
   held->CopyFrom(proto);
   sendOnConnectMessages_.push_back(std::move(held));
 }
@@ -155,7 +155,7 @@ void MSGConnection::secureSocketDidReceiveData(MSGSecureSocket&, std::span<const
   }
 }
 
-void MSGConnection::willProcessProto(const google::protobuf::Message& proto) {
+void MSGConnection::willProcessProto(const MSGProtoMessage& proto) {
   ++inStreamId_;
   const int32_t position = MSGUtilities::lastStreamIdForProto(proto);
   if (position != -1) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include <google/protobuf/message.h>
+#include "messaging/schema/MSGProto.h"
 
 #include "messaging/connection/MSGConnectionDelegate.h"
 #include "messaging/connection/MSGD2SInfo.h"
@@ -50,9 +50,9 @@ class MSGConnection : public MSGSecureSocketDelegate {
   void disconnect();
   // Sends in the right state (login in 2, all else in 3); drops otherwise.
   // The message gains its lastStreamIdReceived on the way.
-  void sendProto(google::protobuf::Message& proto);
+  void sendProto(MSGProtoMessage& proto);
   // Sends when signed in, else holds the message until login.
-  void sendOnConnectOrDrop(const google::protobuf::Message& proto);
+  void sendOnConnectOrDrop(const MSGProtoMessage& proto);
   void sendHeartbeatAck();
   void sendHeartbeatPing();
   void sendStreamAck();
@@ -85,8 +85,8 @@ class MSGConnection : public MSGSecureSocketDelegate {
  private:
   void resetUnconfirmedAcks();
   void sendLoginRequest(const std::string& authId, const std::string& token);
-  void willSendProto(google::protobuf::Message& proto);
-  void willProcessProto(const google::protobuf::Message& proto);
+  void willSendProto(MSGProtoMessage& proto);
+  void willProcessProto(const MSGProtoMessage& proto);
   void confirmAckedD2sIdsWithStreamId(int32_t streamId);
   void confirmAckedS2dIdsWithStreamId(int32_t streamId);
   void didReceiveLoginResponse(const RelayLoginResponse& response);
@@ -117,7 +117,7 @@ class MSGConnection : public MSGSecureSocketDelegate {
   std::vector<std::string> unackedS2dIds_;
   std::map<std::string, std::vector<std::string>> ackedS2dMap_;
   std::vector<MSGD2SInfo> d2sInfos_;
-  std::vector<std::unique_ptr<google::protobuf::Message>> sendOnConnectMessages_;
+  std::vector<std::unique_ptr<MSGProtoMessage>> sendOnConnectMessages_;
 };
 
 }  // namespace quillet::messaging

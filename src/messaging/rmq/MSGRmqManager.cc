@@ -21,7 +21,7 @@ void MSGRmqManager::loadRmqId() {
 
 int64_t MSGRmqManager::nextRmqId() { return ++rmqId_; }
 
-bool MSGRmqManager::saveRmqMessage(google::protobuf::Message& message, platform::Error* error) {
+bool MSGRmqManager::saveRmqMessage(MSGProtoMessage& message, platform::Error* error) {
   auto persistentId = MSGUtilities::persistentIdForProto(message);
   int64_t rmqId = 0;
   if (!persistentId || persistentId->empty()) {
@@ -33,7 +33,7 @@ bool MSGRmqManager::saveRmqMessage(google::protobuf::Message& message, platform:
   return saveMessage(message, rmqId, MSGUtilities::tagForProto(message), error);
 }
 
-bool MSGRmqManager::saveMessage(const google::protobuf::Message& message, int64_t rmqId, int8_t tag,
+bool MSGRmqManager::saveMessage(const MSGProtoMessage& message, int64_t rmqId, int8_t tag,
                                 platform::Error* error) {
   std::string bytes = message.SerializePartialAsString();
   return rmq2Store_->saveMessageWithRmqId(

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include <google/protobuf/message.h>
+#include "messaging/schema/MSGProto.h"
 
 #include "messaging/rmq/MSGRmq2PersistentStore.h"
 #include "messaging/schema/Relay.pb.h"
@@ -35,8 +35,8 @@ class MSGRmqManager {
   int64_t rmqId() const { return rmqId_; }
 
   // Gives the message a persistent id when it has none, then saves it.
-  bool saveRmqMessage(google::protobuf::Message& message, platform::Error* error);
-  bool saveMessage(const google::protobuf::Message& message, int64_t rmqId, int8_t tag, platform::Error* error);
+  bool saveRmqMessage(MSGProtoMessage& message, platform::Error* error);
+  bool saveMessage(const MSGProtoMessage& message, int64_t rmqId, int8_t tag, platform::Error* error);
   bool saveLastOutgoingRmqId(int64_t rmqId);
   bool saveS2dMessageWithRmqId(const std::string& rmqId);
   int64_t queryHighestRmqId();

@@ -2,7 +2,7 @@
 
 namespace quillet::messaging {
 
-int8_t MSGUtilities::tagForProto(const google::protobuf::Message& proto) {
+int8_t MSGUtilities::tagForProto(const MSGProtoMessage& proto) {
   if (dynamic_cast<const RelayHeartbeatPing*>(&proto)) return kMSGProtoTagHeartbeatPing;
   if (dynamic_cast<const RelayHeartbeatAck*>(&proto)) return kMSGProtoTagHeartbeatAck;
   if (dynamic_cast<const RelayLoginRequest*>(&proto)) return kMSGProtoTagLoginRequest;
@@ -13,7 +13,7 @@ int8_t MSGUtilities::tagForProto(const google::protobuf::Message& proto) {
   return kMSGProtoTagInvalid;
 }
 
-std::unique_ptr<google::protobuf::Message> MSGUtilities::protoForTag(int tag) {
+std::unique_ptr<MSGProtoMessage> MSGUtilities::protoForTag(int tag) {
   switch (tag) {
     case kMSGProtoTagHeartbeatPing: return std::make_unique<RelayHeartbeatPing>();
     case kMSGProtoTagHeartbeatAck: return std::make_unique<RelayHeartbeatAck>();
@@ -26,7 +26,7 @@ std::unique_ptr<google::protobuf::Message> MSGUtilities::protoForTag(int tag) {
   }
 }
 
-std::optional<std::string> MSGUtilities::persistentIdForProto(const google::protobuf::Message& proto) {
+std::optional<std::string> MSGUtilities::persistentIdForProto(const MSGProtoMessage& proto) {
   if (auto* iq = dynamic_cast<const RelayIqStanza*>(&proto)) {
     if (iq->has_persistentid()) return iq->persistentid();
   } else if (auto* data = dynamic_cast<const RelayDataMessageStanza*>(&proto)) {
@@ -35,7 +35,7 @@ std::optional<std::string> MSGUtilities::persistentIdForProto(const google::prot
   return std::nullopt;
 }
 
-void MSGUtilities::setPersistentIdForProto(google::protobuf::Message& proto, const std::string& persistentId) {
+void MSGUtilities::setPersistentIdForProto(MSGProtoMessage& proto, const std::string& persistentId) {
   if (auto* iq = dynamic_cast<RelayIqStanza*>(&proto)) {
     iq->set_persistentid(persistentId);
   } else if (auto* data = dynamic_cast<RelayDataMessageStanza*>(&proto)) {
@@ -62,7 +62,7 @@ bool withStreamPositionType(Message& proto, F&& f) {
 
 }  // namespace
 
-int32_t MSGUtilities::lastStreamIdForProto(const google::protobuf::Message& proto) {
+int32_t MSGUtilities::lastStreamIdForProto(const MSGProtoMessage& proto) {
   int32_t position = -1;
   withStreamPositionType(proto, [&](const auto& typed) {
     if (typed.has_laststreamidreceived()) position = typed.laststreamidreceived();
@@ -70,7 +70,7 @@ int32_t MSGUtilities::lastStreamIdForProto(const google::protobuf::Message& prot
   return position;
 }
 
-void MSGUtilities::setLastStreamIdForProto(google::protobuf::Message& proto, int32_t streamId) {
+void MSGUtilities::setLastStreamIdForProto(MSGProtoMessage& proto, int32_t streamId) {
   withStreamPositionType(proto, [&](auto& typed) { typed.set_laststreamidreceived(streamId); });
 }
 

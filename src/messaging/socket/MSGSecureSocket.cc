@@ -1,6 +1,6 @@
 #include "messaging/socket/MSGSecureSocket.h"
 
-#include <google/protobuf/io/coded_stream.h>
+#include "messaging/schema/MSGProto.h"
 
 #include <cstring>
 
@@ -10,7 +10,6 @@
 
 namespace quillet::messaging {
 
-using google::protobuf::io::CodedOutputStream;
 using platform::TlsStreamEvent;
 
 MSGSecureSocket::StreamFactory MSGSecureSocket::tlsStreamFactory(platform::TlsStreamOptions options) {
@@ -133,10 +132,10 @@ void MSGSecureSocket::performWrite() {
       const auto& body = packet->data();
       const uint32_t tagValue = static_cast<uint32_t>(static_cast<int32_t>(packet->tag()));
       const uint32_t length = static_cast<uint32_t>(body.size());
-      size_t size = CodedOutputStream::VarintSize32(tagValue) + CodedOutputStream::VarintSize32(length) + body.size();
+      size_t size = MSGCodedOutputStream::VarintSize32(tagValue) + MSGCodedOutputStream::VarintSize32(length) + body.size();
       outputBuffer_.resize(size);
-      uint8_t* end = CodedOutputStream::WriteVarint32ToArray(tagValue, outputBuffer_.data());
-      end = CodedOutputStream::WriteVarint32ToArray(length, end);
+      uint8_t* end = MSGCodedOutputStream::WriteVarint32ToArray(tagValue, outputBuffer_.data());
+      end = MSGCodedOutputStream::WriteVarint32ToArray(length, end);
       if (!body.empty()) std::memcpy(end, body.data(), body.size());
       outputBufferLength_ = 0;
     }

@@ -39,7 +39,7 @@ class ConnectionRulesTest : public ::testing::Test {
                                                  });
     connection->setDelegate(client);
   }
-  void serverSends(google::protobuf::Message& message, bool first = false) {
+  void serverSends(messaging::MSGProtoMessage& message, bool first = false) {
     std::string body = message.SerializePartialAsString();
     std::string bytes = first ? std::string(1, '\x28') : std::string();
     bytes.push_back(static_cast<char>(MSGUtilities::tagForProto(message)));
