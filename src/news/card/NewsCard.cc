@@ -1,8 +1,10 @@
 #include "news/card/NewsCard.h"
 
+#include <map>
 #include <optional>
 
 #include "platform/text/DateFormatter.h"
+#include "platform/text/DeviceLocale.h"
 #include "platform/text/RegularExpression.h"
 #include "platform/value/Format.h"
 
@@ -22,10 +24,22 @@ std::string textOrEmpty(const Value& value) {
   return text;
 }
 
+// A formatter of the device's locale and time zone for `pattern`, made once
+// per thread and made again when the device's locale or time zone changes.
+const platform::DateFormatter* deviceFormatter(const std::string& pattern) {
+  thread_local std::map<std::string, std::optional<platform::DateFormatter>> formatters;
+  const std::string key = pattern + "|" + platform::DeviceLocale::localeId() + "|" + platform::DeviceLocale::timeZoneId();
+  auto found = formatters.find(key);
+  if (found == formatters.end()) {
+    found = formatters.emplace(key, platform::DateFormatter::createForDevice(pattern)).first;
+  }
+  return found->second ? &*found->second : nullptr;
+}
+
 // The formatter's output, or "(null)" when there is no date or no formatter, as "%@" shows a nil text.
 std::string formatDate(const std::optional<double>& date, const char* pattern) {
   if (!date) return kNilText;
-  auto formatter = platform::DateFormatter::createForDevice(pattern);
+  const platform::DateFormatter* formatter = deviceFormatter(pattern);
   return formatter ? formatter->format(*date) : kNilText;
 }
 
@@ -64,7 +78,7 @@ const platform::RegularExpression* videoIdExpression() {
 
 std::string NewsCard::dateText(const Value& createdDate) {
   std::optional<double> date;
-  if (auto parser = platform::DateFormatter::createForDevice("yyyy-MM-dd")) {
+  if (const platform::DateFormatter* parser = deviceFormatter("yyyy-MM-dd")) {
     date = parser->parse(platform::format("%@", createdDate));
   }
   const std::string day = formatDate(date, "dd");

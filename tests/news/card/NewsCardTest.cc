@@ -44,6 +44,12 @@ TEST_F(NewsCardTest, DaysTakeTheirSuffixWithTheLeadingZero) {
   for (const auto& [date, expected] : days) EXPECT_EQ(NewsCard::dateText(Value(date)), expected) << date;
 }
 
+TEST_F(NewsCardTest, TheDeviceLocaleNamesTheMonth) {
+  EXPECT_EQ(NewsCard::dateText(Value("2016-03-01")), "01st Mar 2016");
+  platform::DeviceLocale::setLocaleId("fr_FR");
+  EXPECT_EQ(NewsCard::dateText(Value("2016-03-01")), "01st mars 2016");
+}
+
 TEST_F(NewsCardTest, DatesThatDoNotFitExactlyGiveNullTexts) {
   for (Value bad : {Value("2016-01-01 10:22:00"), Value("01-01-2016"), Value("2016-02-30"), Value::null(), Value(),
                     Value(int64_t{20160101})}) {
