@@ -7,8 +7,10 @@
 #include <filesystem>
 #include <iostream>
 
+#include "backend/authority/BackendCertificateAuthority.h"
+#include "backend/checkin/CheckinServer.h"
 #include "backend/news/NewsServer.h"
-#include "backend/relay/RelayCertificateAuthority.h"
+#include "backend/registration/RegistrationServer.h"
 #include "backend/relay/RelayServer.h"
 #include "platform/files/FileSystem.h"
 #include "platform/log/Log.h"
@@ -35,6 +37,15 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(0, 65535));
   app.add_option("--relay-device", relayDevice, "Device id the relay server accepts at login");
   app.add_option("--relay-secret", relaySecret, "That device's secret");
+  int checkinPort = 5230;
+  int registrationPort = 5231;
+  app.add_option("--checkin-port", checkinPort, "Port of the check-in service (HTTPS); 0 picks a free one")
+      ->capture_default_str()
+      ->check(CLI::Range(0, 65535));
+  app.add_option("--registration-port", registrationPort,
+                 "Port of the token registration service (HTTPS); 0 picks a free one")
+      ->capture_default_str()
+      ->check(CLI::Range(0, 65535));
   CLI11_PARSE(app, argc, argv);
 
   quillet::platform::Log::setProcessName("quillet-backend");
@@ -64,25 +75,61 @@ int main(int argc, char** argv) {
   }
   std::cout << "news " << news.apiUrl() << std::endl;
 
-  // The relay serves TLS with the backend's own authority (made at first start).
-  quillet::backend::RelayCertificateAuthority authority(root / "ca");
+  // The TLS servers serve with the backend's own authority (made at first
+  // start) and share one registry of checked-in devices.
+  quillet::backend::BackendCertificateAuthority authority(root / "ca");
+  if (!authority.ensure(&error)) {
+    std::cerr << "quillet-backend: " << error.localizedDescription() << "\n";
+    return 1;
+  }
+  auto devices = std::make_shared<quillet::backend::CheckinDeviceRegistry>();
   quillet::backend::RelayServerOptions relayOptions;
   relayOptions.host = host;
   relayOptions.port = relayPort;
   relayOptions.certificateFile = authority.certificateFile();
   relayOptions.keyFile = authority.keyFile();
   if (!relayDevice.empty()) relayOptions.credentials[relayDevice] = relaySecret;
+  relayOptions.devices = devices;
   relayOptions.heartbeatIntervalSeconds = 60;
   quillet::backend::RelayServer relay(relayOptions);
-  if (!authority.ensure(&error) || !relay.start(&error)) {
+  if (!relay.start(&error)) {
     std::cerr << "quillet-backend: relay server: " << error.localizedDescription() << "\n";
     return 1;
   }
   std::cout << "relay " << host << ":" << relay.port() << std::endl;
   std::cout << "relay-admin " << relay.adminUrl() << std::endl;
 
+  quillet::backend::CheckinServerOptions checkinOptions;
+  checkinOptions.host = host;
+  checkinOptions.port = checkinPort;
+  checkinOptions.certificateFile = authority.certificateFile();
+  checkinOptions.keyFile = authority.keyFile();
+  checkinOptions.devices = devices;
+  quillet::backend::CheckinServer checkin(checkinOptions);
+  if (!checkin.start(&error)) {
+    std::cerr << "quillet-backend: checkin server: " << error.localizedDescription() << "\n";
+    return 1;
+  }
+  std::cout << "checkin " << checkin.url() << std::endl;
+
+  quillet::backend::RegistrationServerOptions registrationOptions;
+  registrationOptions.host = host;
+  registrationOptions.port = registrationPort;
+  registrationOptions.certificateFile = authority.certificateFile();
+  registrationOptions.keyFile = authority.keyFile();
+  registrationOptions.devices = devices;
+  quillet::backend::RegistrationServer registration(registrationOptions);
+  if (!registration.start(&error)) {
+    std::cerr << "quillet-backend: registration server: " << error.localizedDescription() << "\n";
+    return 1;
+  }
+  std::cout << "registration " << registration.url() << std::endl;
+  std::cout << "ca " << authority.caFile().string() << std::endl;
+
   int signalNumber = 0;
   sigwait(&stopSignals, &signalNumber);
+  registration.stop();
+  checkin.stop();
   relay.stop();
   news.stop();
   std::cout << "stopped" << std::endl;

@@ -6,7 +6,9 @@ namespace quillet::backend {
 
 using State = RelayHeldMessage::State;
 
-RelayMailbox::RelayMailbox(std::map<std::string, std::string> credentials) : credentials_(std::move(credentials)) {}
+RelayMailbox::RelayMailbox(std::map<std::string, std::string> credentials,
+                           std::shared_ptr<CheckinDeviceRegistry> devices)
+    : credentials_(std::move(credentials)), devices_(std::move(devices)) {}
 
 void RelayMailbox::setCredential(const std::string& device, const std::string& secret) {
   std::lock_guard lock(mutex_);
@@ -14,9 +16,12 @@ void RelayMailbox::setCredential(const std::string& device, const std::string& s
 }
 
 bool RelayMailbox::checkCredentials(const std::string& device, const std::string& secret) const {
-  std::lock_guard lock(mutex_);
-  auto it = credentials_.find(device);
-  return it != credentials_.end() && it->second == secret;
+  {
+    std::lock_guard lock(mutex_);
+    auto it = credentials_.find(device);
+    if (it != credentials_.end() && it->second == secret) return true;
+  }
+  return devices_ && devices_->checkCredentials(device, secret);
 }
 
 std::string RelayMailbox::queue(const std::string& device, messaging::RelayDataMessageStanza stanza) {

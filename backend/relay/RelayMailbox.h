@@ -4,9 +4,11 @@
 #include <mutex>
 #include <set>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "backend/checkin/CheckinDeviceRegistry.h"
 #include "backend/relay/RelayFault.h"
 #include "messaging/schema/Relay.pb.h"
 
@@ -37,7 +39,9 @@ struct RelayReceivedMessage {
 // device, what devices sent, and the misbehaviour modes. Thread-safe.
 class RelayMailbox {
  public:
-  explicit RelayMailbox(std::map<std::string, std::string> credentials);
+  // A login is accepted when `credentials` has the pair or `devices` (may be
+  // null; shared with the check-in server) knows that device with that secret.
+  RelayMailbox(std::map<std::string, std::string> credentials, std::shared_ptr<CheckinDeviceRegistry> devices);
 
   void setCredential(const std::string& device, const std::string& secret);
   bool checkCredentials(const std::string& device, const std::string& secret) const;
@@ -65,6 +69,7 @@ class RelayMailbox {
  private:
   mutable std::mutex mutex_;
   std::map<std::string, std::string> credentials_;
+  std::shared_ptr<CheckinDeviceRegistry> devices_;
   std::vector<RelayHeldMessage> held_;
   std::vector<RelayReceivedMessage> received_;
   std::set<RelayFault> modes_;

@@ -17,7 +17,7 @@ namespace quillet::backend {
 struct RelayServer::Impl {
   explicit Impl(RelayServerOptions o)
       : options(std::move(o)),
-        mailbox(options.credentials),
+        mailbox(options.credentials, options.devices),
         clock(options.clock ? options.clock : platform::Clock::system()) {}
 
   void accept();

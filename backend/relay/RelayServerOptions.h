@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "backend/checkin/CheckinDeviceRegistry.h"
 #include "platform/clock/Clock.h"
 
 namespace quillet::backend {
@@ -18,6 +19,7 @@ struct RelayServerOptions {
   std::filesystem::path keyFile;          // its private key (PEM)
   std::filesystem::path dataDirectory;    // holds "relay.sqlite"; empty: kept in memory
   std::map<std::string, std::string> credentials;  // device id -> secret accepted at login
+  std::shared_ptr<CheckinDeviceRegistry> devices;  // checked-in devices, also accepted at login; may be null
   double heartbeatIntervalSeconds = 0;  // server pings on a connection; 0: none
   std::shared_ptr<platform::Clock> clock;  // server timestamps; null: the system clock
 };

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "backend/relay/RelayCertificateAuthority.h"
+#include "backend/authority/BackendCertificateAuthority.h"
 #include "backend/relay/RelayServer.h"
 #include "messaging/connection/MSGConnection.h"
 #include "platform/log/Log.h"
@@ -28,7 +28,7 @@ void BM_RelayEndToEnd(benchmark::State& state) {
   platform::Log::setStandardErrorEnabled(false);
   char pattern[] = "/tmp/quillet-relay-bench-XXXXXX";
   const std::filesystem::path dir = mkdtemp(pattern);
-  backend::RelayCertificateAuthority authority(dir / "ca");
+  backend::BackendCertificateAuthority authority(dir / "ca");
   authority.ensure();
   backend::RelayServerOptions options;
   options.certificateFile = authority.certificateFile();

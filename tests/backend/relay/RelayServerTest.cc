@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "backend/relay/RelayCertificateAuthority.h"
+#include "backend/authority/BackendCertificateAuthority.h"
 #include "backend/relay/RelayServer.h"
 #include "messaging/socket/MSGSecureSocket.h"
 #include "support/LogCapture.h"
@@ -35,13 +35,13 @@ class RelayServerTest : public ::testing::Test {
 
   testing::LogCapture log;
   testing::TempDir dir;
-  RelayCertificateAuthority authority;
+  BackendCertificateAuthority authority;
   std::unique_ptr<RelayServer> server;
 };
 
 TEST_F(RelayServerTest, AuthorityIsReusedAndTrustedAndLoginMustComeFirst) {
   const auto before = std::filesystem::last_write_time(authority.caFile());
-  EXPECT_TRUE(RelayCertificateAuthority(dir.path() / "ca").ensure());
+  EXPECT_TRUE(BackendCertificateAuthority(dir.path() / "ca").ensure());
   EXPECT_EQ(std::filesystem::last_write_time(authority.caFile()), before);
 
   platform::RunLoop loop{std::make_shared<platform::ManualClock>()};
@@ -73,6 +73,17 @@ TEST_F(RelayServerTest, AdminQueuesListsAndRejectsBadInput) {
   EXPECT_EQ(admin.Post("/relay/_control", R"({"fault": "nonsense"})", "application/json")->status, 400);
   EXPECT_EQ(admin.Post("/relay/_control", R"({"fault": "silence"})", "application/json")->status, 200);
   EXPECT_TRUE(server->mailbox().hasMode(RelayFault::Silence));
+}
+
+TEST(RelayMailboxTest, AcceptsStaticPairsAndCheckedInDevices) {
+  auto devices = std::make_shared<CheckinDeviceRegistry>();
+  RelayMailbox mailbox({{"7", "s"}}, devices);
+  const CheckinDevice device = devices->issue();
+  EXPECT_TRUE(mailbox.checkCredentials("7", "s"));
+  EXPECT_TRUE(mailbox.checkCredentials(device.idText, device.secret));
+  EXPECT_FALSE(mailbox.checkCredentials(device.idText, "s"));
+  EXPECT_FALSE(mailbox.checkCredentials(device.idText, ""));
+  EXPECT_FALSE(RelayMailbox({}, nullptr).checkCredentials(device.idText, device.secret));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "backend/relay/RelayCertificateAuthority.h"
+#include "backend/authority/BackendCertificateAuthority.h"
 
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -84,7 +84,7 @@ T readPem(const std::filesystem::path& path, Read read) {
 
 }  // namespace
 
-bool RelayCertificateAuthority::ensure(platform::Error* error) {
+bool BackendCertificateAuthority::ensure(platform::Error* error) {
   auto fail = [&](const std::string& what) {
     if (error) {
       platform::Value userInfo = platform::Value::dictionary({});
