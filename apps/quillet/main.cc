@@ -32,6 +32,16 @@ int main(int argc, char** argv) {
   app.add_option("--scale", options.screenScale, "Pixels per point of the screen")
       ->check(CLI::Range(1.0, 4.0))
       ->capture_default_str();
+  app.add_option("--checkin-url", options.checkinURL, "Where instance ID checks the device in")
+      ->capture_default_str();
+  app.add_option("--registration-url", options.registrationURL, "Where instance ID registers for tokens")
+      ->capture_default_str();
+  app.add_option("--ca-file", options.caFile,
+                 "PEM file of the authorities trusted for check-in and registration (default: the system's)");
+  app.add_option("--msg-sender-id", options.msgSenderID,
+                 "The messaging sender the app asks a token for (default: none configured)");
+  app.add_option("--start-time", options.startWallSeconds,
+                 "Virtual clock: the wall time it starts at, in seconds since 1970");
   bool version = false;
   app.add_flag("--version", version, "Print the version and exit");
   CLI11_PARSE(app, argc, argv);

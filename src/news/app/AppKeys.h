@@ -2,6 +2,9 @@
 
 namespace quillet::news {
 
+// The main bundle's identifier, which the app tells the services it talks to.
+inline constexpr const char* kBundleIdentifier = "app.quillet.news";
+
 // The app's keys in the defaults store.
 inline constexpr const char* kLaunchAmountsKey = "LaunchAmounts";
 inline constexpr const char* kBadgeCountKey = "badgeCount";

@@ -9,6 +9,9 @@
 
 #include "news/app/AppKeys.h"
 #include "news/app/MainStoryboard.h"
+#include "instanceid/support/InstanceIDEnvironment.h"
+#include "http/serialization/NKAppInfo.h"
+#include "news/services/InstanceIDBridge.h"
 #include "news/driver/CardState.h"
 #include "news/driver/ReaderGestures.h"
 #include "news/store/NewsDatabaseFile.h"
@@ -67,8 +70,13 @@ PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
   platform::FileSystem::setStandard(fileSystem_);
   defaults_ = std::make_unique<platform::UserDefaults>(*fileSystem_, platform::UserDefaults::standardDomain);
 
-  std::shared_ptr<platform::Clock> clock =
-      options_.virtualClock ? std::make_shared<platform::ManualClock>() : platform::Clock::system();
+  keychain_ = std::make_unique<platform::Keychain>(*fileSystem_);
+
+  std::shared_ptr<platform::Clock> clock = platform::Clock::system();
+  if (options_.virtualClock) {
+    clock = options_.startWallSeconds > 0 ? std::make_shared<platform::ManualClock>(options_.startWallSeconds)
+                                          : std::make_shared<platform::ManualClock>();
+  }
   loop_ = std::make_shared<platform::RunLoop>(clock);
   platform::RunLoop::setMain(loop_);
   if (options_.virtualClock) {
@@ -93,7 +101,7 @@ PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
   application_ = std::make_shared<platform::Application>(events);
   platform::Application::setSharedApplication(application_);
 
-  appDelegate_ = std::make_shared<AppDelegate>(AppServices::shared(), fileSystem_, *defaults_,
+  appDelegate_ = std::make_shared<AppDelegate>(makeServices(clock), fileSystem_, *defaults_,
                                                platform::NotificationCenter::defaultCenter(),
                                                MainStoryboard::make(AppEnvironment{defaults_.get(), loop_.get(), fileSystem_}));
   application_->setDelegate(appDelegate_);
@@ -109,6 +117,30 @@ PhoneSession::~PhoneSession() {
   ToastView::dropQueue();
   if (logSink_ >= 0) platform::Log::removeSink(logSink_);
   platform::ReachabilitySource::setOverride(platform::ReachabilityOverride::Automatic);
+}
+
+AppServices PhoneSession::makeServices(const std::shared_ptr<platform::Clock>& clock) {
+  const http::NKAppInfo app = http::NKAppInfo::current();
+  auto environment = std::make_shared<instanceid::InstanceIDEnvironment>();
+  environment->fileSystem = fileSystem_;
+  environment->keychain = keychain_.get();
+  environment->defaults = defaults_.get();
+  environment->clock = clock;
+  environment->checkinURL = options_.checkinURL;
+  environment->registrationURL = options_.registrationURL;
+  environment->sessionOptions.caFile = options_.caFile;
+  environment->sessionOptions.clock = clock;
+  environment->bundleIdentifier = app.bundleIdentifier.empty() ? kBundleIdentifier : app.bundleIdentifier;
+  environment->appVersion = app.shortVersionString;
+  environment->systemVersion = app.systemVersion;
+  instanceid::InstanceIDEnvironment::setStandard(environment);
+
+  AppServices services = AppServices::shared();
+  services.instanceID = std::make_shared<InstanceIDBridge>(std::make_shared<instanceid::InstanceID>(environment));
+  if (!options_.msgSenderID.empty()) {
+    services.context = std::make_shared<FixedServiceContext>(ServiceConfiguration{options_.msgSenderID});
+  }
+  return services;
 }
 
 int PhoneSession::run(std::istream& in) {

@@ -12,6 +12,7 @@
 #include "news/driver/PhoneOptions.h"
 #include "platform/defaults/UserDefaults.h"
 #include "platform/files/FileSystem.h"
+#include "platform/keychain/Keychain.h"
 #include "platform/runloop/RunLoop.h"
 #include "platform/ui/Application.h"
 
@@ -62,11 +63,15 @@ class PhoneSession {
   // Runs the loop until it has had no work for kQuietSeconds of real time.
   void settle();
   void drainLogs();
+  // The shell's services: instance ID over this session's stores and
+  // endpoints, the sender from the options when one is given.
+  AppServices makeServices(const std::shared_ptr<platform::Clock>& clock);
 
   PhoneOptions options_;
   EventPrinter printer_;
   std::shared_ptr<platform::FileSystem> fileSystem_;
   std::unique_ptr<platform::UserDefaults> defaults_;
+  std::unique_ptr<platform::Keychain> keychain_;
   std::shared_ptr<platform::RunLoop> loop_;
   std::shared_ptr<platform::Application> application_;
   std::shared_ptr<AppDelegate> appDelegate_;

@@ -37,4 +37,16 @@ class UnconfiguredServiceContext : public ServiceContext {
   ServiceConfiguration configuration_;
 };
 
+// A context whose configuration is given whole when it is made (the driver's
+// --msg-sender-id): configuring always succeeds.
+class FixedServiceContext : public ServiceContext {
+ public:
+  explicit FixedServiceContext(ServiceConfiguration configuration) : configuration_(std::move(configuration)) {}
+  bool configureWithError(platform::Error*) override { return true; }
+  const ServiceConfiguration& configuration() const override { return configuration_; }
+
+ private:
+  ServiceConfiguration configuration_;
+};
+
 }  // namespace quillet::news
