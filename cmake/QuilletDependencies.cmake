@@ -13,6 +13,9 @@ pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libswscale libavutil)
 # Still images: PNG, JPEG, GIF and BMP decoding for the platform's image facility.
 pkg_check_modules(STB REQUIRED IMPORTED_TARGET stb)
+# Still images out: JPEG encoding (libjpeg) and PNG writing and screen drawing (Cairo).
+find_package(JPEG REQUIRED)
+pkg_check_modules(CAIRO REQUIRED IMPORTED_TARGET cairo)
 
 # asio is header-only; it is used without boost.
 find_path(ASIO_INCLUDE_DIR asio.hpp REQUIRED)

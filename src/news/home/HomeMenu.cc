@@ -7,6 +7,7 @@
 #include "news/api/Webmanager.h"
 #include "news/app/StoryLinkReceiver.h"
 #include "news/home/HomeMenuCells.h"
+#include "news/home/HomeSharing.h"
 #include "news/home/HomeVC.h"
 #include "news/store/NewsItemAt.h"
 #include "platform/log/Log.h"
@@ -266,7 +267,7 @@ void HomeMenu::showLocalList(const char* title, const char* which, bool setBookm
 void HomeMenu::selectOptionRow(int row) {
   switch (row) {
     case 0:
-      platform::Log::write("btnTOSS: the mail with the app's link is not available here");
+      home_.sharing().btnTOSS();
       break;
     case 1:
       platform::Application::sharedApplication().openURL(kStoreLink);

@@ -1,6 +1,7 @@
 #include "news/home/HomeOutlets.h"
 
 #include <string>
+#include <utility>
 
 #include "news/support/ScaledFont.h"
 
@@ -58,6 +59,12 @@ HomeOutlets::HomeOutlets(platform::ViewController& screen) {
   btnShare = button(screen, root, "btnShare", "Share");
   btnLetGo = button(screen, root, "btnLetGo", "Let Go");
   shareView = place<View>(screen, root, "shareView");
+  for (int tag = 1; tag <= 5; ++tag) {
+    const std::string name = "btnShareType" + std::to_string(tag);
+    auto target = button(screen, shareView, name.c_str(), name.c_str());
+    target->setTag(tag);
+    shareTypeButtons.push_back(target);
+  }
 
   menuView = place<View>(screen, root, "menuView");
   tblMenu = place<platform::TableView>(screen, menuView, "tblMenu");
@@ -90,6 +97,56 @@ HomeOutlets::HomeOutlets(platform::ViewController& screen) {
   btnFullStory->setFont(font(7, 10));
   for (const auto& label : {lblCategoryTitle, lblOption, lblCollection}) label->setFont(font(9, 17));
   for (const auto& label : {lblHD, lblMode, lblNotification}) label->setFont(font(7, 16));
+
+  const platform::Rect bounds = root->frame().value_or(platform::Rect{});
+  layOut(bounds.width, bounds.height);
+}
+
+void HomeOutlets::layOut(double w, double h) {
+  using platform::Rect;
+  constexpr double kBar = 64, kStatus = 20, kButtons = 50, kMargin = 12;
+  NavView->setFrame(Rect{0, 0, w, kBar});
+  btnMenu->setFrame(Rect{0, kStatus, 60, kBar - kStatus});
+  lblCategoryTitle->setFrame(Rect{60, kStatus, w - 200, kBar - kStatus});
+  btnRefresh->setFrame(Rect{w - 140, kStatus, 65, kBar - kStatus});
+  btnOption->setFrame(Rect{w - 75, kStatus, 75, kBar - kStatus});
+
+  const double cardHeight = h - kBar - kButtons;
+  const double media = w * 0.6;
+  swipeView->setFrame(Rect{0, kBar, w, cardHeight});
+  for (platform::View* area : {static_cast<platform::View*>(imgNews.get()), videoView.get(), static_cast<platform::View*>(playerView.get())}) {
+    area->setFrame(Rect{0, 0, w, media});
+  }
+  imgThumbnailVideo->setFrame(Rect{0, 0, w, media});
+  btnPlayVideo->setFrame(Rect{w / 2 - 30, media / 2 - 30, 60, 60});
+  lblNewsTitle->setFrame(Rect{kMargin, media + 8, w - 2 * kMargin, 56});
+  lblPostedBy->setFrame(Rect{kMargin, media + 66, w - 2 * kMargin, 18});
+  txtViewDetailNews->setFrame(Rect{kMargin, media + 88, w - 2 * kMargin, cardHeight - media - 128});
+  btnFullStory->setFrame(Rect{w - 112, cardHeight - 36, 100, 30});
+
+  btnShare->setFrame(Rect{0, h - kButtons, w / 2, kButtons});
+  btnLetGo->setFrame(Rect{w / 2, h - kButtons, w / 2, kButtons});
+  shareView->setFrame(Rect{0, h - kButtons - 70, w, 70});
+  const double target = w / static_cast<double>(shareTypeButtons.size());
+  for (size_t i = 0; i < shareTypeButtons.size(); ++i) {
+    shareTypeButtons[i]->setFrame(Rect{target * static_cast<double>(i), 0, target, 70});
+  }
+
+  menuView->setFrame(Rect{0, 0, w, h});
+  tblMenu->setFrame(Rect{0, kBar, w * 0.75, h - kBar});
+  btnHideMenu->setFrame(Rect{w * 0.75, kBar, w * 0.25, h - kBar});
+  optionView->setFrame(Rect{0, 0, w, h});
+  lblOption->setFrame(Rect{0, kStatus, w, kBar - kStatus});
+  btnHideOption->setFrame(Rect{w - 70, kStatus, 60, kBar - kStatus});
+  tblOption->setFrame(Rect{0, kBar, w, 260});
+  const std::pair<std::shared_ptr<platform::Label>, std::shared_ptr<platform::Switch>> settings[] = {
+      {lblMode, switchNightMode}, {lblHD, switchHDImage}, {lblNotification, switchNotification}};
+  double y = kBar + 276;
+  for (const auto& [label, toggle] : settings) {
+    label->setFrame(Rect{16, y, w - 100, 31});
+    toggle->setFrame(Rect{w - 67, y, 51, 31});
+    y += 40;
+  }
 }
 
 }  // namespace quillet::news

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "news/player/InlinePlayerView.h"
 #include "platform/ui/Button.h"
@@ -20,9 +21,11 @@ namespace quillet::news {
 // area with its thumbnail and play button, inline player, full-story
 // button); the share panel; the menu panel and the options panel with their
 // tables and switches; the decorative collection. Every view is an outlet
-// of the screen under its own name. Made once per screen; main thread.
+// of the screen under its own name and has its frame in the screen's size. Made once per screen; main thread.
 struct HomeOutlets {
   explicit HomeOutlets(platform::ViewController& screen);
+  // The frames of the screen's layout for a screen of `width` x `height` points.
+  void layOut(double width, double height);
 
   std::shared_ptr<platform::View> NavView;
   std::shared_ptr<platform::Label> lblCategoryTitle;
@@ -44,6 +47,7 @@ struct HomeOutlets {
   std::shared_ptr<platform::Button> btnShare;
   std::shared_ptr<platform::Button> btnLetGo;
   std::shared_ptr<platform::View> shareView;
+  std::vector<std::shared_ptr<platform::Button>> shareTypeButtons;  // in shareView, tags 1 to 5
 
   std::shared_ptr<platform::View> menuView;
   std::shared_ptr<platform::TableView> tblMenu;

@@ -7,6 +7,7 @@
 #include "news/app/AppKeys.h"
 #include "news/app/StoryLinkReceiver.h"
 #include "news/home/HomeMenu.h"
+#include "news/home/HomeSharing.h"
 #include "news/store/NewsItemAt.h"
 #include "news/support/ToastView.h"
 #include "platform/log/Log.h"
@@ -70,6 +71,7 @@ void HomeVC::viewDidLoad() {
   HomeOutlets& o = *outlets_;
   video_ = std::make_unique<CardVideo>(o.imgThumbnailVideo, o.videoView, o.videoPlayerView);
   menu_ = std::make_shared<HomeMenu>(*this);
+  sharing_ = std::make_shared<HomeSharing>(*this);
   count_ = 0;
   o.shareView->setHidden(true);
   menu_->connectSwitches();
@@ -94,6 +96,7 @@ void HomeVC::viewDidLoad() {
   o.btnRefresh->setAction([this](platform::Button&) { btnRefresh(); });
   o.btnPlayVideo->setAction([this](platform::Button&) { btnPlayVideo(); });
   o.btnFullStory->setAction([this](platform::Button&) { btnFullStory(); });
+  sharing_->connect();
 }
 
 void HomeVC::readImageType() {

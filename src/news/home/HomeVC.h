@@ -17,6 +17,7 @@
 namespace quillet::news {
 
 class HomeMenu;
+class HomeSharing;
 
 // The feed screen: one news card at a time out of `arrNews`, the feed's name
 // in the title line, swipes that step through the list, a tap on the title
@@ -89,6 +90,8 @@ class HomeVC : public platform::ViewController, public WebmanagerDelegate {
 
   HomeOutlets& outlets() { return *outlets_; }
   HomeMenu& menu() { return *menu_; }
+  // The share sheet, the share panel and the mail (imageScreenshot, documentInteractionController).
+  HomeSharing& sharing() { return *sharing_; }
   NewsStore& store() { return store_; }
   const AppEnvironment& environment() const { return environment_; }
   // This screen as the delegate of its requests (keeps it alive while they run).
@@ -114,6 +117,7 @@ class HomeVC : public platform::ViewController, public WebmanagerDelegate {
   NewsStore store_;
   std::unique_ptr<HomeOutlets> outlets_;
   std::shared_ptr<HomeMenu> menu_;
+  std::shared_ptr<HomeSharing> sharing_;
   std::shared_ptr<platform::CollectionViewDataSource> collectionSource_;
   std::unique_ptr<CardVideo> video_;
 

@@ -9,6 +9,9 @@ struct Rect {
   double width = 0;
   double height = 0;
 
+  // The same rectangle moved by (dx, dy).
+  Rect offsetBy(double dx, double dy) const { return Rect{x + dx, y + dy, width, height}; }
+
   bool operator==(const Rect&) const = default;
 };
 

@@ -19,6 +19,7 @@ const char* UiEvent::kindName(Kind kind) {
     case Kind::RemoteNotificationsRegistered: return "remoteNotificationsRegistered";
     case Kind::Toast: return "toast";
     case Kind::MemoryWarning: return "memoryWarning";
+    case Kind::OpenInMenuShown: return "openInMenuShown";
   }
   return "unknown";
 }

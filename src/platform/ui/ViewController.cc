@@ -132,6 +132,7 @@ void ViewController::presentViewController(std::shared_ptr<ViewController> scree
     event.kind = UiEvent::Kind::ScreenPresented;
     event.screen = screen->identifier();
     event.previous = identifier_;
+    event.info = screen->presentationInfo();
   }
   postUiEvent(std::move(event));
   if (onShow) {

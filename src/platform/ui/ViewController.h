@@ -96,6 +96,9 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   // The identifiers of the stack this screen stands for (itself for a plain screen).
   virtual std::vector<std::string> stackIdentifiers() const { return {identifier_}; }
   virtual bool isAlert() const { return false; }
+  // What a "screenPresented" event carries as its info (nil: nothing), so a
+  // driver can see what a presented sheet or composer holds.
+  virtual Value presentationInfo() const { return Value(); }
 
   // Appearance transitions, driven by containers: begin(true) loads the view
   // if needed, runs viewWillAppear and lays the view out; end() runs the
