@@ -8,7 +8,8 @@
 namespace quillet::news {
 
 // The storyboard "Main": "SplashVC" first, inside a navigation stack, the
-// feed "HomeVC" and onboarding "CategoryVC". The screens it makes hold the
+// feed "HomeVC", onboarding "CategoryVC", and the content pages
+// "TermsConditionVC", "FullStoryVC" and "FeedbackViewController". The screens it makes hold the
 // environment's defaults store and run loop by reference; they must outlive
 // them.
 class MainStoryboard {

@@ -22,7 +22,15 @@ Value medium(HomeOutlets& o) {
                               {"playing", Value(o.videoPlayerView->superview() != nullptr)}});
   }
   if (!o.playerView->isHidden()) {
-    return Value::dictionary({{"kind", Value("inlineVideo")}, {"videoId", Value(o.playerView->videoId())}});
+    const auto& heard = o.playerView->reported();
+    Value player = Value::dictionary({{"kind", Value("inlineVideo")},
+                                      {"videoId", Value(o.playerView->videoId())},
+                                      {"ready", Value(heard.ready)},
+                                      {"state", Value(playerStateName(heard.state))},
+                                      {"quality", Value(stringForPlaybackQuality(heard.quality))},
+                                      {"playTime", Value(static_cast<double>(heard.playTime))}});
+    if (heard.error) player.set("error", Value(playerErrorName(*heard.error)));
+    return player;
   }
   return Value::dictionary({{"kind", Value("none")}});
 }

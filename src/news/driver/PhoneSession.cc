@@ -3,6 +3,7 @@
 #include <cctype>
 #include <chrono>
 #include <cstdlib>
+#include <set>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -13,12 +14,17 @@
 #include "http/serialization/NKAppInfo.h"
 #include "news/services/InstanceIDBridge.h"
 #include "news/driver/CardState.h"
+#include "news/driver/PageGestures.h"
+#include "news/driver/PageState.h"
 #include "news/driver/ReaderGestures.h"
 #include "news/store/NewsDatabaseFile.h"
 #include "news/support/ToastView.h"
 #include "platform/log/Log.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/reachability/ReachabilitySource.h"
+#include "platform/render/ScreenRenderer.h"
+#include "platform/ui/Device.h"
+#include "platform/ui/MailComposeViewController.h"
 #include "platform/ui/Screen.h"
 #include "platform/ui/UiDriver.h"
 #include "platform/value/Json.h"
@@ -117,6 +123,8 @@ PhoneSession::~PhoneSession() {
   ToastView::dropQueue();
   if (logSink_ >= 0) platform::Log::removeSink(logSink_);
   platform::ReachabilitySource::setOverride(platform::ReachabilityOverride::Automatic);
+  platform::MailComposeViewController::setCanSendMail(false);
+  platform::Device::current() = platform::Device{};
 }
 
 AppServices PhoneSession::makeServices(const std::shared_ptr<platform::Clock>& clock) {
@@ -211,10 +219,68 @@ bool PhoneSession::dispatch(const std::string& command, const std::string& argum
     gesture(command, argument);
   } else if (command == "memory-warning") {
     application_->receiveMemoryWarning();
-  } else {
+  } else if (!pageCommand(command, argument)) {
     error("unknown command: " + command);
   }
   return true;
+}
+
+bool PhoneSession::pageCommand(const std::string& command, const std::string& argument) {
+  PageGestures hand(*application_);
+  platform::Error failure;
+  bool done = true;
+  if (command == "type") {
+    done = hand.type(argument, &failure);
+  } else if (command == "begin-edit" || command == "end-edit") {
+    done = hand.edit(argument, command == "begin-edit", &failure);
+  } else if (command == "share") {
+    done = hand.share(argument, &failure);
+  } else if (command == "page-event") {
+    done = hand.pageEvent(argument, &failure);
+  } else if (command == "close-sheet") {
+    done = hand.closeSheet(&failure);
+  } else if (command == "mail-finish") {
+    done = hand.finishMail(argument, &failure);
+  } else if (command == "screenshot") {
+    done = !argument.empty() && platform::ScreenRenderer::writeScreenshot(*application_, argument, &failure);
+    if (argument.empty()) failure = platform::Error("quillet.driver", 1, Value::dictionary({{"NSLocalizedDescription", Value("needs a file")}}));
+    if (done) printer_.print("screenshot", Value::dictionary({{"file", Value(argument)}}));
+  } else if (command == "installed-apps") {
+    installedApps(argument);
+  } else if (command == "mail-account" || command == "device") {
+    deviceSetting(command, argument);
+  } else {
+    return false;
+  }
+  if (!done) error(command + " " + argument + ": " + failure.localizedDescription());
+  return true;
+}
+
+void PhoneSession::installedApps(const std::string& argument) {
+  std::set<std::string> schemes;
+  size_t begin = 0;
+  while (begin <= argument.size()) {
+    size_t comma = argument.find(',', begin);
+    if (comma == std::string::npos) comma = argument.size();
+    const std::string scheme = trim(argument.substr(begin, comma - begin));
+    if (!scheme.empty() && scheme != "none") schemes.insert(scheme);
+    begin = comma + 1;
+  }
+  application_->setInstalledSchemes(schemes);
+  Value list = Value::array({});
+  for (const auto& scheme : schemes) list.append(Value(scheme));
+  printer_.print("installedApps", Value::dictionary({{"schemes", std::move(list)}}));
+}
+
+void PhoneSession::deviceSetting(const std::string& command, const std::string& argument) {
+  if (command == "mail-account") {
+    if (argument != "on" && argument != "off") return error("mail-account: on or off");
+    platform::MailComposeViewController::setCanSendMail(argument == "on");
+  } else {
+    if (argument != "phone" && argument != "pad") return error("device: phone or pad");
+    platform::Device::current().userInterfaceIdiom =
+        argument == "pad" ? platform::UserInterfaceIdiom::Pad : platform::UserInterfaceIdiom::Phone;
+  }
 }
 
 void PhoneSession::gesture(const std::string& command, const std::string& argument) {
@@ -233,6 +299,8 @@ void PhoneSession::printScreen() {
   Value fields = Value::dictionary({{"snapshot", platform::UiDriver(*application_).snapshot()}});
   Value feed = CardState::feed(*application_);
   if (!feed.isNil()) fields.set("feed", feed);
+  Value page = PageState::of(*application_);
+  if (!page.isNil()) fields.set("page", page);
   Value toast = CardState::toast();
   if (!toast.isNil()) fields.set("toast", toast);
   printer_.print("screen", std::move(fields));

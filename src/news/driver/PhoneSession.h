@@ -59,6 +59,13 @@ class PhoneSession {
   void request(const std::string& argument);
   // Runs a reader gesture of ReaderGestures; prints its error.
   void gesture(const std::string& command, const std::string& argument);
+  // The commands of the content pages, sharing, player and device; false
+  // when `command` is none of them.
+  bool pageCommand(const std::string& command, const std::string& argument);
+  // "a,b,c": the URL schemes of the apps installed from now on ("none" or nothing: none).
+  void installedApps(const std::string& argument);
+  // "mail-account on|off", "device phone|pad".
+  void deviceSetting(const std::string& command, const std::string& argument);
   void printScreen();
   // Runs the loop until it has had no work for kQuietSeconds of real time.
   void settle();

@@ -136,7 +136,7 @@ void HomeSharing::shareToChatApp() {
 void HomeSharing::touchesBegan() {
   HomeOutlets& o = home_.outlets();
   o.btnShare->setEnabled(true);
-  lastTransition_ = "push fromBottom";
+  o.shareView->addTransition(platform::ViewTransition{"push", "fromBottom", kPanelTransitionSeconds});
   platform::ViewAnimation::animateWithDuration(kPanelTransitionSeconds, [&o] { o.shareView->setHidden(true); });
 }
 

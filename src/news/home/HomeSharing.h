@@ -51,8 +51,6 @@ class HomeSharing : public platform::MailComposeViewControllerDelegate,
   }
   // "<Documents>/<the chat app's image file>", overwritten by each share to the chat app.
   std::filesystem::path chatAppImagePath() const;
-  // The last transition played on the panel ("push fromBottom"), empty before any.
-  const std::string& lastTransition() const { return lastTransition_; }
 
  private:
   void shareToSocialComposer();
@@ -62,7 +60,6 @@ class HomeSharing : public platform::MailComposeViewControllerDelegate,
   HomeVC& home_;
   std::shared_ptr<const platform::Image> imageScreenshot_;
   std::shared_ptr<platform::DocumentInteractionController> documentInteractionController_;
-  std::string lastTransition_;
 };
 
 }  // namespace quillet::news

@@ -339,10 +339,12 @@ void HomeVC::gestureHandlerMethod() {
   }
 }
 
-void HomeVC::viewSlideInFromRightToLeft(platform::View&) { lastTransition_ = "fromRight"; }
+void HomeVC::viewSlideInFromRightToLeft(platform::View& view) {
+  view.addTransition(platform::ViewTransition{"push", "fromRight", kSlideSeconds});
+}
 
-void HomeVC::viewSlideInFromLeftToRight(platform::View&) {
-  lastTransition_ = "fromLeft";
+void HomeVC::viewSlideInFromLeftToRight(platform::View& view) {
+  view.addTransition(platform::ViewTransition{"push", "fromLeft", kSlideSeconds});
   angleRatio_ = 0.5;
   rotationX_ = -1;
   rotationY_ = 0;

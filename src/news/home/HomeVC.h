@@ -35,6 +35,8 @@ class HomeSharing;
 // until its reply has been handled. Main thread only.
 class HomeVC : public platform::ViewController, public WebmanagerDelegate {
  public:
+  // The decorating slide of the card on a swipe.
+  static constexpr double kSlideSeconds = 0.5;
   explicit HomeVC(AppEnvironment environment);
   ~HomeVC() override;
 
@@ -84,7 +86,6 @@ class HomeVC : public platform::ViewController, public WebmanagerDelegate {
   const std::string& videoURL() const { return videoURL_; }
   // Set by the left-to-right slide; read by nothing.
   double angleRatio() const { return angleRatio_; }
-  const std::string& lastTransition() const { return lastTransition_; }
   // How many cards showNews has drawn (each also counts on the server).
   int64_t showCount() const { return showCount_; }
 
@@ -132,7 +133,6 @@ class HomeVC : public platform::ViewController, public WebmanagerDelegate {
   std::string strLink_;
   std::string videoURL_;
   double angleRatio_ = 0, rotationX_ = 0, rotationY_ = 0, rotationZ_ = 0, translateX_ = 0, translateY_ = 0;
-  std::string lastTransition_;
   int64_t showCount_ = 0;
 };
 

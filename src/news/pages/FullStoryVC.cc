@@ -39,4 +39,6 @@ void FullStoryVC::btnBackTapped() {
   if (auto navigation = navigationController()) navigation->popViewControllerAnimated(true);
 }
 
+void FullStoryVC::safariViewControllerDidFinish() { dismissViewControllerAnimated(true); }
+
 }  // namespace quillet::news

@@ -36,6 +36,9 @@ class FullStoryVC : public platform::ViewController, public platform::WebViewDel
   const std::string& strURL() const { return strURL_; }
 
   void btnBackTapped();
+  // The system's browser screen was closed: dismisses what this screen
+  // presents. Nothing here opens that browser; the callback is kept for it.
+  void safariViewControllerDidFinish();
   int preferredStatusBarStyle() const { return kStatusBarStyleLight; }
 
   // WebViewDelegate.

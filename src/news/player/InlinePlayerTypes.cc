@@ -66,6 +66,30 @@ std::string stringForPlaybackQuality(PlaybackQuality quality) { return nameOf(kQ
 
 PlayerError playerErrorForString(const platform::Value& text) { return lookUp(kErrors, text, PlayerError::Unknown); }
 
+std::string playerStateName(PlayerState state) {
+  switch (state) {
+    case PlayerState::Unstarted: return "unstarted";
+    case PlayerState::Ended: return "ended";
+    case PlayerState::Playing: return "playing";
+    case PlayerState::Paused: return "paused";
+    case PlayerState::Buffering: return "buffering";
+    case PlayerState::Queued: return "queued";
+    case PlayerState::Unknown: break;
+  }
+  return "unknown";
+}
+
+std::string playerErrorName(PlayerError error) {
+  switch (error) {
+    case PlayerError::InvalidParam: return "invalidParam";
+    case PlayerError::HTML5Error: return "html5Error";
+    case PlayerError::VideoNotFound: return "videoNotFound";
+    case PlayerError::NotEmbeddable: return "notEmbeddable";
+    case PlayerError::Unknown: break;
+  }
+  return "unknown";
+}
+
 std::string stringForJSBoolean(bool value) { return value ? "true" : "false"; }
 
 }  // namespace quillet::news

@@ -39,6 +39,12 @@ std::string stringForPlaybackQuality(PlaybackQuality quality);
 // NotEmbeddable; anything else Unknown.
 PlayerError playerErrorForString(const platform::Value& text);
 
+// Names for people reading the player's state: "unstarted", "ended",
+// "playing", "paused", "buffering", "queued", "unknown"; and of errors:
+// "invalidParam", "html5Error", "videoNotFound", "notEmbeddable", "unknown".
+std::string playerStateName(PlayerState state);
+std::string playerErrorName(PlayerError error);
+
 // "true" or "false", as a script takes it.
 std::string stringForJSBoolean(bool value);
 

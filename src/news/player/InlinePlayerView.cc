@@ -129,6 +129,7 @@ bool InlinePlayerView::loadWithPlayerParams(const Value& additionalPlayerParams)
 
 void InlinePlayerView::makeWebView() {
   if (webView_) webView_->removeFromSuperview();
+  reported_ = Reported{};
   webView_ = std::make_shared<platform::WebView>("webView");
   webView_->setFrame(bounds());
   webView_->scrollEnabled = false;
@@ -348,16 +349,21 @@ void InlinePlayerView::notifyDelegateOfCallbackUrl(const std::string& url) {
   auto keepAlive = weak_from_this().lock();
   auto delegate = delegate_.lock();
   if (action == "onReady") {
+    reported_.ready = true;
     removeInitialLoadingView();
     if (delegate) delegate->playerViewDidBecomeReady(*this);
   } else if (action == "onStateChange") {
-    if (delegate) delegate->playerViewDidChangeToState(*this, playerStateForString(data));
+    reported_.state = playerStateForString(data);
+    if (delegate) delegate->playerViewDidChangeToState(*this, reported_.state);
   } else if (action == "onPlaybackQualityChange") {
-    if (delegate) delegate->playerViewDidChangeToQuality(*this, playbackQualityForString(data));
+    reported_.quality = playbackQualityForString(data);
+    if (delegate) delegate->playerViewDidChangeToQuality(*this, reported_.quality);
   } else if (action == "onError") {
-    if (delegate) delegate->playerViewReceivedError(*this, playerErrorForString(data));
+    reported_.error = playerErrorForString(data);
+    if (delegate) delegate->playerViewReceivedError(*this, *reported_.error);
   } else if (action == "onPlayTime") {
-    if (delegate) delegate->playerViewDidPlayTime(*this, static_cast<float>(data.doubleValue()));
+    reported_.playTime = static_cast<float>(data.doubleValue());
+    if (delegate) delegate->playerViewDidPlayTime(*this, reported_.playTime);
   } else if (action == "onYouTubeIframeAPIFailedToLoad") {
     removeInitialLoadingView();
   }
@@ -406,6 +412,13 @@ void InlinePlayerView::layoutSubviews() {
   if (initialLoadingView_) initialLoadingView_->setFrame(bounds());
 }
 
-void InlinePlayerView::describeState(Value& into) const { into.set("videoId", Value(videoId_)); }
+void InlinePlayerView::describeState(Value& into) const {
+  into.set("videoId", Value(videoId_));
+  into.set("ready", Value(reported_.ready));
+  into.set("state", Value(playerStateName(reported_.state)));
+  into.set("quality", Value(stringForPlaybackQuality(reported_.quality)));
+  into.set("playTime", Value(static_cast<double>(reported_.playTime)));
+  if (reported_.error) into.set("error", Value(playerErrorName(*reported_.error)));
+}
 
 }  // namespace quillet::news

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -119,6 +120,17 @@ class InlinePlayerView : public platform::View, public platform::WebViewDelegate
   // The id of the last loadWithVideoId, as the card asked for it.
   const std::string& videoId() const { return videoId_; }
 
+  // What the page has reported since the last load, kept whether or not a
+  // delegate listens (the card gives none), for those who watch the phone.
+  struct Reported {
+    bool ready = false;
+    PlayerState state = PlayerState::Unstarted;
+    PlaybackQuality quality = PlaybackQuality::Unknown;
+    std::optional<PlayerError> error;
+    float playTime = 0;
+  };
+  const Reported& reported() const { return reported_; }
+
   std::string kind() const override { return "inlinePlayer"; }
 
  protected:
@@ -138,6 +150,7 @@ class InlinePlayerView : public platform::View, public platform::WebViewDelegate
   std::shared_ptr<platform::View> initialLoadingView_;
   std::filesystem::path resourceDirectory_;
   std::string videoId_;
+  Reported reported_;
 };
 
 }  // namespace quillet::news

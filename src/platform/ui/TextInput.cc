@@ -31,10 +31,22 @@ bool TextInput::performSetText(std::string text, Error* error) {
   if (!checkInteractive(error)) return false;
   if (!editable_) return uiError(error, UiErrorCode::NotInteractive, "'" + name() + "' is not editable");
   auto keepAlive = weak_from_this().lock();
+  const bool wasEditing = editing_;
   beginEditing();
   text_ = std::move(text);
   runHook(didChange_);
-  endEditing();
+  if (!wasEditing) endEditing();
+  return true;
+}
+
+bool TextInput::performSetEditing(bool editing, Error* error) {
+  if (!editing) {
+    endEditing();
+    return true;
+  }
+  if (!checkInteractive(error)) return false;
+  if (!editable_) return uiError(error, UiErrorCode::NotInteractive, "'" + name() + "' is not editable");
+  beginEditing();
   return true;
 }
 

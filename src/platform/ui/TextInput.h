@@ -43,8 +43,12 @@ class TextInput : public View {
   void pressReturn();
 
   // The reader types `text` over the whole content: begin editing, replace
-  // the text, the change hook, end editing. Fails when hidden or not editable.
+  // the text, the change hook, end editing (unless the input was already
+  // being edited: it stays so). Fails when hidden or not editable.
   bool performSetText(std::string text, Error* error);
+  // The reader's finger goes into the input (fails when hidden or not
+  // editable) or the input loses the keyboard (always done).
+  bool performSetEditing(bool editing, Error* error);
 
  protected:
   void describeState(Value& into) const override;

@@ -65,6 +65,7 @@ std::shared_ptr<View> UiDriver::findView(const std::string& path, Error* error) 
   }
   auto view = screen->outletNamed(first);
   if (!view) view = screen->view()->viewWithName(first);
+  if (!view && first == kRootViewName) view = screen->view();
   while (view && slash != std::string_view::npos) {
     rest = rest.substr(slash + 1);
     slash = rest.find('/');
@@ -111,12 +112,22 @@ bool UiDriver::setOn(const std::string& path, bool on, Error* error) {
   return control->performSetOn(on, error);
 }
 
-bool UiDriver::setText(const std::string& path, const std::string& text, Error* error) {
+std::shared_ptr<TextInput> UiDriver::reachableInput(const std::string& path, Error* error) const {
   auto view = reachableView(path, error);
-  if (!view) return false;
+  if (!view) return nullptr;
   auto input = std::dynamic_pointer_cast<TextInput>(view);
-  if (!input) return uiError(error, UiErrorCode::WrongKind, "'" + path + "' is a " + view->kind() + ", not a text input");
-  return input->performSetText(text, error);
+  if (!input) uiError(error, UiErrorCode::WrongKind, "'" + path + "' is a " + view->kind() + ", not a text input");
+  return input;
+}
+
+bool UiDriver::setText(const std::string& path, const std::string& text, Error* error) {
+  auto input = reachableInput(path, error);
+  return input && input->performSetText(text, error);
+}
+
+bool UiDriver::setEditing(const std::string& path, bool editing, Error* error) {
+  auto input = reachableInput(path, error);
+  return input && input->performSetEditing(editing, error);
 }
 
 bool UiDriver::selectRow(const std::string& path, const IndexPath& indexPath, Error* error) {

@@ -11,12 +11,14 @@
 namespace quillet::platform {
 
 class Application;
+class TextInput;
 
 // The hand that plays the phone: finds a control of the top screen by path
 // and acts on it as a finger would. A path is an outlet name ("btnRefresh"),
 // or a view named inside the screen's root view, followed by "/"-separated
 // steps: a row of a table or collection ("3" in section 0, or "1.3") and
-// named subviews ("tableCategory/3/btnCheck").
+// named subviews ("tableCategory/3/btnCheck"). "view", when no outlet or
+// subview has that name, is the screen's root view (a touch on the screen).
 //
 // Every action returns false with a ui error (never a crash) for an unknown
 // path, a control of the wrong kind, a hidden or disabled control, a row
@@ -24,6 +26,8 @@ class Application;
 // by reference; its owner keeps it alive. Main run loop thread only.
 class UiDriver {
  public:
+  static constexpr const char* kRootViewName = "view";
+
   explicit UiDriver(Application& application) : application_(application) {}
 
   std::shared_ptr<View> findView(const std::string& path, Error* error = nullptr) const;
@@ -32,6 +36,8 @@ class UiDriver {
   bool swipe(const std::string& path, SwipeDirection direction, Error* error = nullptr);
   bool setOn(const std::string& path, bool on, Error* error = nullptr);
   bool setText(const std::string& path, const std::string& text, Error* error = nullptr);
+  // The finger goes into a text input (begin) or leaves it (end), running its editing hooks.
+  bool setEditing(const std::string& path, bool editing, Error* error = nullptr);
   bool selectRow(const std::string& path, const IndexPath& indexPath, Error* error = nullptr);
   bool tapAlertAction(const std::string& title, Error* error = nullptr);
 
@@ -40,6 +46,8 @@ class UiDriver {
  private:
   // findView, refusing while an alert covers the screen.
   std::shared_ptr<View> reachableView(const std::string& path, Error* error) const;
+  // reachableView, as a text input.
+  std::shared_ptr<TextInput> reachableInput(const std::string& path, Error* error) const;
 
   Application& application_;
 };

@@ -10,6 +10,7 @@
 
 #include "platform/ui/Color.h"
 #include "platform/ui/Rect.h"
+#include "platform/ui/ViewTransition.h"
 #include "platform/value/Error.h"
 #include "platform/value/Value.h"
 
@@ -47,6 +48,9 @@ class View : public std::enable_shared_from_this<View> {
   void setTag(int tag) { tag_ = tag; }
   double cornerRadius() const { return cornerRadius_; }
   void setCornerRadius(double radius) { cornerRadius_ = radius; }
+  // The last transition added to the view's layer, if any.
+  const std::optional<ViewTransition>& transition() const { return transition_; }
+  void addTransition(ViewTransition transition) { transition_ = std::move(transition); }
   bool isUserInteractionEnabled() const { return userInteractionEnabled_; }
   void setUserInteractionEnabled(bool enabled) { userInteractionEnabled_ = enabled; }
 
@@ -99,6 +103,7 @@ class View : public std::enable_shared_from_this<View> {
   std::string name_;
   bool hidden_ = false;
   double alpha_ = 1.0;
+  std::optional<ViewTransition> transition_;
   std::optional<Color> backgroundColor_;
   std::optional<Rect> frame_;
   int tag_ = 0;

@@ -6,51 +6,19 @@
 #include <string>
 #include <vector>
 
-#include "PhoneScript.h"
-#include "backend/news/NewsServer.h"
+#include "ServedPhoneTest.h"
 #include "platform/text/RegularExpression.h"
-#include "support/LogCapture.h"
-#include "support/TempDir.h"
 
 namespace quillet::news {
 namespace {
 
 using platform::Value;
 
-class ReaderScriptTest : public ::testing::Test {
+class ReaderScriptTest : public testing::ServedPhoneTest {
  protected:
-  void SetUp() override {
-    backend::NewsServerOptions options;
-    options.port = 0;
-    options.dataDirectory = serverDir_.path();
-    server_ = std::make_unique<backend::NewsServer>(options);
-    ASSERT_TRUE(server_->start());
-  }
-  void TearDown() override { server_->stop(); }
-
-  testing::PhoneRun play(const std::string& script) {
-    PhoneOptions options;
-    options.dataDirectory = phoneDir_.path();
-    options.network = "wifi";
-    options.apiBase = server_->apiUrl();
-    return testing::playScript(options, script);
-  }
-
-  // The queries the server received for an API method, in order.
-  std::vector<std::string> queries(const std::string& method) {
-    std::vector<std::string> out;
-    for (const auto& request : server_->store()->recordedRequests()) {
-      if (request.path.ends_with("/" + method)) out.push_back(request.query);
-    }
-    return out;
-  }
+  testing::PhoneRun play(const std::string& script) { return testing::playScript(phoneOptions(), script); }
 
   static const Value& feed(const Value& screenEvent) { return screenEvent["feed"]; }
-
-  ::quillet::testing::LogCapture log_;
-  ::quillet::testing::TempDir serverDir_;
-  ::quillet::testing::TempDir phoneDir_;
-  std::unique_ptr<backend::NewsServer> server_;
 };
 
 TEST_F(ReaderScriptTest, AReaderOnboardsAndReadsTheNews) {

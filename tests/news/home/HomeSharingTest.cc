@@ -190,7 +190,7 @@ TEST_F(HomeSharingTest, ATouchClosesThePanelWithThePushTransition) {
   ASSERT_TRUE(home_->view()->performTap(nullptr));
   EXPECT_TRUE(o.btnShare->isEnabled());
   EXPECT_TRUE(o.shareView->isHidden());
-  EXPECT_EQ(sharing().lastTransition(), "push fromBottom");
+  EXPECT_EQ(o.shareView->transition(), (platform::ViewTransition{"push", "fromBottom", 0.5}));
 }
 
 TEST_F(HomeSharingTest, MailWithTheStoreLinkOrTheEmptyAlert) {

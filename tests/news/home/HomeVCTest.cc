@@ -45,7 +45,7 @@ TEST_F(HomeVCTest, LoadsStepThroughTheListWithinItsLimits) {
   home_->handleSwipe(platform::SwipeDirection::Right);  // shown again, counted again
   EXPECT_EQ(o().lblNewsTitle->text(), "Story 2");
   EXPECT_EQ(home_->showCount(), 4);
-  EXPECT_EQ(home_->lastTransition(), "fromLeft");
+  EXPECT_EQ(o().swipeView->transition(), (platform::ViewTransition{"push", "fromLeft", 0.5}));
   EXPECT_DOUBLE_EQ(home_->angleRatio(), 0.5);
 
   // The card is drawn (and marked read) before the list is stored as unread,
