@@ -70,7 +70,10 @@ std::string mediumLine(const Value& medium) {
     line.append(medium["playing"].isBool() && medium["playing"].boolValue() ? "playing" : "press v to play");
     return line;
   }
-  if (kind == "inlineVideo") return tagged("inline video: ", text(medium["videoId"]));
+  if (kind == "inlineVideo") {
+    std::string line = tagged("inline video: ", text(medium["videoId"]));
+    return line.append(" (").append(text(medium["state"])).append(")");
+  }
   return "";
 }
 
@@ -131,12 +134,20 @@ std::string rowNumber(const Value& row) {
   return path.substr(0, dot) == "0" ? path.substr(dot + 1) : path;
 }
 
-// Any other screen: its labels on show, then the rows of its tables on show.
+// Any other screen: its labels on show, its text fields and boxes by name,
+// a web page's address, then the rows of its tables on show.
 void drawScreen(std::string& out, const Value& outlets, int columns) {
   if (!outlets.isDictionary()) return;
   for (const auto& [name, view] : outlets.dictionaryItems()) {
     if (text(view["kind"]) != "label" || view["hidden"].boolValue()) continue;
     if (!text(view["text"]).empty()) appendWrapped(out, text(view["text"]), columns);
+  }
+  for (const auto& [name, view] : outlets.dictionaryItems()) {
+    const std::string kind = text(view["kind"]);
+    if (view["hidden"].boolValue() || (!view["alpha"].isNil() && view["alpha"].doubleValue() <= 0.01)) continue;
+    if (kind == "textField" || kind == "textView") appendWrapped(out, "[" + name + "] " + text(view["text"]), columns);
+    if (kind == "webView") appendWrapped(out, "[page] " + text(view["url"]), columns);
+    if (kind == "progressHUD") appendWrapped(out, "[" + text(view["labelText"]) + "]", columns);
   }
   for (const auto& [name, view] : outlets.dictionaryItems()) {
     if (text(view["kind"]) != "table" || view["hidden"].boolValue()) continue;
@@ -162,6 +173,8 @@ std::string DemoRenderer::event(const Value& event) {
   if (name == "alertShown") return alertLine(body, event["info"]);
   if (name == "alertDismissed") return body.empty() ? "[alert closed]" : tagged("[alert closed] ", body);
   if (name == "urlOpened") return tagged("[opened] ", body);
+  if (name == "openInMenuShown") return tagged("[open in] ", body);
+  if (name == "screenshot") return tagged("[screenshot] ", text(event["file"]));
   if (name == "screenPushed" || name == "screenPresented" || name == "screenReplaced" || name == "stackReplaced") {
     return tagged("[screen] ", text(event["screen"]));
   }

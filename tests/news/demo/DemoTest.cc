@@ -128,6 +128,26 @@ TEST(DemoRendererTest, EventsAreToldInShortLines) {
   EXPECT_EQ(DemoRenderer::event(Value("not a dictionary")), "");
 }
 
+TEST(DemoRendererTest, PagesShowTheirTextsAndTheOverlayOnlyWhileItShows) {
+  auto outlets = [](double hudAlpha) {
+    return Value::dictionary(
+        {{"lblTitle", Value::dictionary({{"kind", Value("label")}, {"text", Value("Privacy Policy")}})},
+         {"txtDetails", Value::dictionary({{"kind", Value("textView")}, {"text", Value("We keep little.")}})},
+         {"webView", Value::dictionary({{"kind", Value("webView")}, {"url", Value("http://x/story/1")}})},
+         {"HUD", Value::dictionary({{"kind", Value("progressHUD")}, {"labelText", Value("Loading.....")},
+                                    {"alpha", Value(hudAlpha)}})}});
+  };
+  const std::string shown = DemoRenderer::screen(
+      Value::dictionary({{"screen", Value("Page")}, {"outlets", outlets(1)}}), Value(), 60);
+  for (const char* line : {"Privacy Policy\n", "[txtDetails] We keep little.\n", "[page] http://x/story/1\n",
+                           "[Loading.....]\n"}) {
+    EXPECT_NE(shown.find(line), std::string::npos) << line << " in " << shown;
+  }
+  const std::string faded = DemoRenderer::screen(
+      Value::dictionary({{"screen", Value("Page")}, {"outlets", outlets(0)}}), Value(), 60);
+  EXPECT_EQ(faded.find("Loading"), std::string::npos);
+}
+
 TEST(WordWrapTest, WrapsAtSpacesKeepsBreaksAndCutsLongWords) {
   using Lines = std::vector<std::string>;
   EXPECT_EQ(WordWrap::lines("one two  three four", 9), (Lines{"one two", "three", "four"}));
