@@ -93,8 +93,12 @@ TEST_F(ContentScriptTest, TextPagesFeedbackAndTheFullStory) {
 
 TEST_F(ContentScriptTest, SharingThePlayerAndTheScreenshot) {
   play(kOnboard);
-  auto sheets = play("tap btnShare\nclose-sheet\nwait 1\nshare 1\nclose-sheet\nwait 1\nshare 2\nshare 3\n"
-                     "share 4\nalert-tap OK\nwait 1\n").named("screenPresented");
+  auto shared = play("tap btnShare\nclose-sheet\nwait 1\nshare 1\nclose-sheet\nwait 1\nshare 2\nshare 3\n"
+                     "share 4\nalert-tap OK\nwait 1\n");
+  ASSERT_EQ(shared.named("alertShown").size(), 1u);  // the chat app is not installed
+  EXPECT_EQ(shared.named("alertShown")[0]["text"], Value("WhatsApp not installed."));
+  EXPECT_TRUE(shared.named("urlOpened").empty());
+  auto sheets = shared.named("screenPresented");
   ASSERT_EQ(sheets.size(), 2u);
   EXPECT_EQ(sheets[0]["screen"], Value("ActivityViewController"));
   EXPECT_EQ(sheets[0]["info"]["excludedActivityTypes"].count(), 9u);
