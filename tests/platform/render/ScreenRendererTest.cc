@@ -1,17 +1,13 @@
-// Drawing views into pictures, and writing them as PNG and JPEG.
+// Drawing views into pictures, and encoding them as PNG and JPEG. (Writing
+// the screen on show is played end to end by the driver's content script.)
 #include <gtest/gtest.h>
 
-#include "platform/files/AtomicFile.h"
 #include "platform/image/BitmapPixels.h"
 #include "platform/image/ImageDecoder.h"
 #include "platform/image/ImageEncoder.h"
 #include "platform/render/ScreenRenderer.h"
-#include "platform/ui/Application.h"
 #include "platform/ui/ImageView.h"
 #include "platform/ui/Label.h"
-#include "platform/ui/Screen.h"
-#include "platform/ui/ViewController.h"
-#include "support/TempDir.h"
 
 namespace quillet::platform {
 namespace {
@@ -120,27 +116,6 @@ TEST(ScreenRendererTest, JpegKeepsSizeAndColourAndQualityCostsBytes) {
   EXPECT_FALSE(ImageEncoder::JPEGRepresentation(broken, 1.0, &error));
   EXPECT_EQ(error.code, ImageEncoder::kEncodeFailed);
   EXPECT_FALSE(ImageEncoder::PNGRepresentation(broken, &error));
-}
-
-TEST(ScreenRendererTest, ScreenshotOfTheScreenOnShowIsWrittenAsPng) {
-  ::quillet::testing::TempDir dir;
-  Application application;
-  const auto path = dir.path() / "shot.png";
-  Error error;
-  EXPECT_FALSE(ScreenRenderer::writeScreenshot(application, path, &error));  // nothing on show
-
-  auto screen = std::make_shared<ViewController>("Screen");
-  screen->view()->setBackgroundColor(Color::redColor());
-  application.window().setRootViewController(screen);
-  application.window().makeKeyAndVisible();
-  ASSERT_TRUE(ScreenRenderer::writeScreenshot(application, path, &error)) << error.description();
-  auto bytes = AtomicFile::read(path);
-  ASSERT_TRUE(bytes);
-  auto shot = decoded(std::vector<uint8_t>(bytes->begin(), bytes->end()));
-  ASSERT_TRUE(shot);
-  EXPECT_EQ(shot->width, static_cast<int>(Screen::main().width * Screen::main().scale));
-  EXPECT_EQ(shot->height, static_cast<int>(Screen::main().height * Screen::main().scale));
-  EXPECT_EQ(at(*shot, 10, 10), (Pixel{255, 0, 0, 255}));
 }
 
 }  // namespace
