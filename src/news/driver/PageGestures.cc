@@ -44,31 +44,31 @@ std::shared_ptr<platform::WebView> visibleWebView(const std::shared_ptr<platform
 
 bool PageGestures::type(const std::string& argument, platform::Error* error) {
   auto [field, text] = splitFirst(argument);
-  if (field.empty()) return fail(error, "type: needs a field and a text");
+  if (field.empty()) return fail(error, "needs a field and a text");
   return platform::UiDriver(application_).setText(field, text, error);
 }
 
 bool PageGestures::edit(const std::string& field, bool begin, platform::Error* error) {
-  if (field.empty()) return fail(error, begin ? "begin-edit: needs a field" : "end-edit: needs a field");
+  if (field.empty()) return fail(error, "needs a field");
   return platform::UiDriver(application_).setEditing(field, begin, error);
 }
 
 bool PageGestures::share(const std::string& tag, platform::Error* error) {
   int value = 0;
   auto [end, ec] = std::from_chars(tag.data(), tag.data() + tag.size(), value);
-  if (tag.empty() || ec != std::errc() || end != tag.data() + tag.size()) return fail(error, "share: needs a tag number");
+  if (tag.empty() || ec != std::errc() || end != tag.data() + tag.size()) return fail(error, "needs a tag number");
   auto home = std::dynamic_pointer_cast<HomeVC>(application_.window().topScreen());
-  if (!home || !home->isViewLoaded()) return fail(error, "share: the feed is not on show");
+  if (!home || !home->isViewLoaded()) return fail(error, "the feed is not on show");
   home->sharing().btnShareType(value);
   return true;
 }
 
 bool PageGestures::pageEvent(const std::string& argument, platform::Error* error) {
   auto [host, data] = splitFirst(argument);
-  if (host.empty()) return fail(error, "page-event: needs an event name");
+  if (host.empty()) return fail(error, "needs an event name");
   auto screen = application_.window().topScreen();
   auto webView = screen ? visibleWebView(screen->view()) : nullptr;
-  if (!webView) return fail(error, "page-event: no web view is on show");
+  if (!webView) return fail(error, "no web view is on show");
   const std::string url = data.empty() ? platform::format("%@://%@", InlinePlayerView::kCallbackScheme, host)
                                        : platform::format("%@://%@?data=%@", InlinePlayerView::kCallbackScheme,
                                                           host, data);
@@ -80,7 +80,7 @@ bool PageGestures::closeSheet(platform::Error* error) {
   auto top = application_.window().topScreen();
   const bool isSheet = std::dynamic_pointer_cast<platform::ActivityViewController>(top) ||
                        std::dynamic_pointer_cast<platform::ComposeViewController>(top);
-  if (!isSheet || !top->presentingViewController()) return fail(error, "close-sheet: no share sheet or composer is on show");
+  if (!isSheet || !top->presentingViewController()) return fail(error, "no share sheet or composer is on show");
   top->dismissViewControllerAnimated(true);
   return true;
 }
@@ -97,10 +97,10 @@ bool PageGestures::finishMail(const std::string& result, platform::Error* error)
   } else if (result == "failed") {
     outcome = MailComposeResult::Failed;
   } else {
-    return fail(error, "mail-finish: sent, saved, cancelled or failed");
+    return fail(error, "sent, saved, cancelled or failed");
   }
   auto mail = std::dynamic_pointer_cast<platform::MailComposeViewController>(application_.window().topScreen());
-  if (!mail) return fail(error, "mail-finish: no mail composer is on show");
+  if (!mail) return fail(error, "no mail composer is on show");
   if (outcome != MailComposeResult::Failed) {
     mail->finishWithResult(outcome);
     return true;

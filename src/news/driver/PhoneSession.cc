@@ -242,8 +242,11 @@ bool PhoneSession::pageCommand(const std::string& command, const std::string& ar
   } else if (command == "mail-finish") {
     done = hand.finishMail(argument, &failure);
   } else if (command == "screenshot") {
-    done = !argument.empty() && platform::ScreenRenderer::writeScreenshot(*application_, argument, &failure);
-    if (argument.empty()) failure = platform::Error("quillet.driver", 1, Value::dictionary({{"NSLocalizedDescription", Value("needs a file")}}));
+    if (argument.empty()) {
+      error("screenshot: needs a file");
+      return true;
+    }
+    done = platform::ScreenRenderer::writeScreenshot(*application_, argument, &failure);
     if (done) printer_.print("screenshot", Value::dictionary({{"file", Value(argument)}}));
   } else if (command == "installed-apps") {
     installedApps(argument);
@@ -252,7 +255,7 @@ bool PhoneSession::pageCommand(const std::string& command, const std::string& ar
   } else {
     return false;
   }
-  if (!done) error(command + " " + argument + ": " + failure.localizedDescription());
+  if (!done) error(command + (argument.empty() ? "" : " " + argument) + ": " + failure.localizedDescription());
   return true;
 }
 

@@ -59,12 +59,14 @@ TEST_F(PhoneSessionTest, FirstLaunchWaitsOnTheSplashThenShowsOnboarding) {
 }
 
 TEST_F(PhoneSessionTest, BadCommandsAreReportedAndTheSessionGoesOn) {
-  auto events = play("fly away\nwait soon\npush [1]\ndevice-token 0g\nlaunch\nlaunch\nalert-tap OK\n"
+  auto events = play("fly away\nwait soon\npush [1]\ndevice-token 0g\nscreenshot\nshare 1\nlaunch\nlaunch\n"
+                     "alert-tap OK\ntype\nbegin-edit txtNowhere\nshare one\npage-event onReady\nmail-finish sent\n"
+                     "mail-finish maybe\nclose-sheet\ndevice watch\nmail-account maybe\n"
                      "push {\"post_id\": 12}\ndevice-token <0a1b2c3d 4e>\ndefaults\n",
                      true);
   int errors = 0;
   for (const Value& event : events) errors += event["event"] == Value("error");
-  EXPECT_EQ(errors, 6);
+  EXPECT_EQ(errors, 17);
   const Value& values = events.back()["values"];
   EXPECT_EQ(values["NewsID"], Value("12"));
   EXPECT_EQ(values["DeviceToken"], Value("0a1b2c3d4e"));
