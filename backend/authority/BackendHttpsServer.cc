@@ -1,10 +1,9 @@
 #include "backend/authority/BackendHttpsServer.h"
 
 #include <openssl/ssl.h>
-#include <pthread.h>
-#include <signal.h>
 #include <sys/socket.h>
 
+#include "backend/authority/BackgroundListener.h"
 #include "platform/log/Log.h"
 
 namespace quillet::backend {
@@ -36,17 +35,12 @@ bool BackendHttpsServer::start(const std::string& host, int port, platform::Erro
   if (bound <= 0) return fail("cannot listen on " + host + ":" + std::to_string(port));
   host_ = host;
   port_ = bound;
-  thread_ = std::thread([this] {
-    // The serving threads are made from this one and inherit its mask: a
-    // write to a dropped connection then fails instead of ending the process.
-    sigset_t pipe;
-    sigemptyset(&pipe);
-    sigaddset(&pipe, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
-    server_->listen_after_bind();
-  });
-  // stop() is only sure to end the loop once it runs.
-  while (!server_->is_running()) std::this_thread::yield();
+  bool listening = false;
+  thread_ = listenInBackground(*server_, &listening);
+  if (!listening) {
+    thread_.join();
+    return fail("cannot serve on " + host + ":" + std::to_string(bound));
+  }
   running_ = true;
   return true;
 }

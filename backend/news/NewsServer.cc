@@ -1,14 +1,13 @@
 #include "backend/news/NewsServer.h"
 
 #include <httplib.h>
-#include <pthread.h>
-#include <signal.h>
 
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 
+#include "backend/authority/BackgroundListener.h"
 #include "backend/news/ConnectionDropper.h"
 #include "backend/news/NewsApi.h"
 #include "backend/news/NewsImageMaker.h"
@@ -274,28 +273,23 @@ bool NewsServer::start(platform::Error* error) {
   impl.http.set_keep_alive_timeout(1);
   int bound = options.port == 0 ? impl.http.bind_to_any_port(options.host)
                                 : (impl.http.bind_to_port(options.host, options.port) ? options.port : -1);
-  if (bound <= 0) {
-    const std::string message = "news server: cannot listen on " + options.host + ":" + std::to_string(options.port);
+  auto fail = [error](const std::string& message) {
     platform::Log::write(message);
     if (error) *error = platform::Error("quillet.backend.news", 2, Value::dictionary({{"NSLocalizedDescription", message}}));
     return false;
-  }
+  };
+  if (bound <= 0) return fail("news server: cannot listen on " + options.host + ":" + std::to_string(options.port));
   impl.port = bound;
   {
     std::lock_guard lock(impl.delayMutex);
     impl.stopping = false;
   }
-  impl.thread = std::thread([&impl] {
-    // The serving threads are made from this one and inherit its mask: a
-    // write to a closed connection then fails instead of ending the process.
-    sigset_t pipe;
-    sigemptyset(&pipe);
-    sigaddset(&pipe, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
-    impl.http.listen_after_bind();
-  });
-  // stop() is only sure to end the loop once it runs.
-  while (!impl.http.is_running()) std::this_thread::yield();
+  bool listening = false;
+  impl.thread = listenInBackground(impl.http, &listening);
+  if (!listening) {
+    impl.thread.join();
+    return fail("news server: cannot serve on port " + std::to_string(bound));
+  }
   impl.running = true;
   return true;
 }
