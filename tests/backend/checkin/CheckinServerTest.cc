@@ -2,11 +2,8 @@
 #include <httplib.h>
 #include <nlohmann/json.hpp>
 
-#include <future>
-
 #include "backend/authority/BackendCertificateAuthority.h"
 #include "backend/checkin/CheckinServer.h"
-#include "platform/net/HttpSession.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -67,18 +64,8 @@ class CheckinServerTest : public ::testing::Test {
 };
 
 TEST_F(CheckinServerTest, IssuesKeepsAndReplacesDevices) {
-  // The first check-in goes through the phone's own HTTP client, trusting the backend's authority.
-  platform::HttpSessionOptions sessionOptions;
-  sessionOptions.caFile = authority.caFile().string();
-  platform::HttpSession session(sessionOptions);
-  platform::HttpRequest request(server->url(), "POST");
-  request.headers.add("content-type", "application/json");
-  request.setBody(checkinBody().dump());
-  std::promise<std::optional<platform::HttpResponse>> answered;
-  session.start(request, nullptr, [&](auto response, auto) { answered.set_value(std::move(response)); });
-  auto response = answered.get_future().get();
-  ASSERT_TRUE(response);
-  const json first = json::parse(response->bodyString());
+  // (The phone's own client against this server is played by the shell's launch test.)
+  const json first = checkIn(checkinBody());
   ASSERT_TRUE(first["android_id"].is_number_unsigned());
   EXPECT_GT(first["android_id"].get<uint64_t>(), 0u);
   EXPECT_EQ(first["time_msec"], clock->wallMilliseconds());
