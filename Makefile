@@ -4,7 +4,7 @@ TEST_DIR := build/test
 RELEASE_DIR := build/release
 FUZZ_DIR := build/fuzz
 
-.PHONY: setup test demo bench fuzz build-test build-release clean
+.PHONY: setup test demo bench fuzz fuzz-smoke fuzz-run build-test build-release clean
 
 setup:
 	bash scripts/setup
@@ -31,6 +31,14 @@ bench: build-release
 fuzz: setup
 	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUILLET_TESTS=OFF -DQUILLET_FUZZ=ON
 	cmake --build $(FUZZ_DIR) -j $(JOBS)
+
+# Every fuzz target for a few seconds on its seed corpus (what CI runs).
+fuzz-smoke: fuzz
+	bash scripts/fuzz-run --build $(FUZZ_DIR) --seconds 10
+
+# The long unattended run: every target to ten million inputs.
+fuzz-run: fuzz
+	bash scripts/fuzz-run --build $(FUZZ_DIR) --runs 10000000
 
 clean:
 	rm -rf build

@@ -31,7 +31,8 @@ std::optional<NewsReply> checkParameters(const NewsQuery& query, std::initialize
     return std::nullopt;
   }
   std::set<std::string> seen;
-  for (const auto& [name, value] : query.pairs) {
+  for (const auto& pair : query.pairs) {
+    const std::string& name = pair.first;
     if (std::find_if(required.begin(), required.end(), [&](const char* r) { return name == r; }) == required.end()) {
       return refused(400, "unexpected parameter \"" + name + "\"");
     }

@@ -145,9 +145,9 @@ void drawScreen(std::string& out, const Value& outlets, int columns) {
   for (const auto& [name, view] : outlets.dictionaryItems()) {
     const std::string kind = text(view["kind"]);
     if (view["hidden"].boolValue() || (!view["alpha"].isNil() && view["alpha"].doubleValue() <= 0.01)) continue;
-    if (kind == "textField" || kind == "textView") appendWrapped(out, "[" + name + "] " + text(view["text"]), columns);
-    if (kind == "webView") appendWrapped(out, "[page] " + text(view["url"]), columns);
-    if (kind == "progressHUD") appendWrapped(out, "[" + text(view["labelText"]) + "]", columns);
+    if (kind == "textField" || kind == "textView") appendWrapped(out, tagged("[", name).append("] ").append(text(view["text"])), columns);
+    if (kind == "webView") appendWrapped(out, tagged("[page] ", text(view["url"])), columns);
+    if (kind == "progressHUD") appendWrapped(out, tagged("[", text(view["labelText"])).append("]"), columns);
   }
   for (const auto& [name, view] : outlets.dictionaryItems()) {
     if (text(view["kind"]) != "table" || view["hidden"].boolValue()) continue;
