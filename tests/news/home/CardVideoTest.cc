@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "HomeTestSupport.h"
+#include "support/TestPaths.h"
 
 namespace quillet::news {
 namespace {
@@ -13,7 +14,7 @@ class CardVideoTest : public ::testing::Test {
   void SetUp() override { home_ = fixture_.show(); }
   HomeOutlets& o() { return home_->outlets(); }
 
-  const std::string video_ = std::string(QUILLET_VIDEOS) + "/6.mp4";
+  const std::string video_ = (quillet::testing::TestPaths::storyVideosDirectory() / "6.mp4").string();
   Fixture fixture_;
   std::shared_ptr<HomeVC> home_;
 };

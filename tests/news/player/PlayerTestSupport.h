@@ -11,6 +11,7 @@
 #include "platform/runloop/RunLoop.h"
 #include "platform/ui/Application.h"
 #include "support/LogCapture.h"
+#include "support/TestPaths.h"
 
 namespace quillet::news::testing {
 
@@ -57,7 +58,7 @@ class PlayerFixture {
 
   // The resources of the source tree, which hold "Assets/" as the built ones do.
   static std::filesystem::path sourceResources() {
-    return std::filesystem::path(__FILE__).parent_path() / ".." / ".." / ".." / "resources";
+    return quillet::testing::TestPaths::sourceDirectory() / "resources";
   }
 
   quillet::testing::LogCapture log;

@@ -13,11 +13,12 @@
 #include "platform/media/MediaError.h"
 #include "platform/text/PercentEscape.h"
 #include "support/TempDir.h"
+#include "support/TestPaths.h"
 
 namespace quillet::platform {
 namespace {
 
-const std::filesystem::path kVideos = QUILLET_TEST_VIDEOS;
+const std::filesystem::path kVideos = quillet::testing::TestPaths::testVideosDirectory();
 
 void writeFile(const std::filesystem::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary) << bytes;

@@ -6,11 +6,12 @@
 #include <filesystem>
 
 #include "platform/media/MediaError.h"
+#include "support/TestPaths.h"
 
 namespace quillet::platform {
 namespace {
 
-const std::filesystem::path kVideos = QUILLET_TEST_VIDEOS;
+const std::filesystem::path kVideos = quillet::testing::TestPaths::testVideosDirectory();
 
 std::array<int, 4> pixel(const Bitmap& bitmap, int x, int y) {
   const uint8_t* p = bitmap.pixels.data() + y * bitmap.bytesPerRow() + x * 4;

@@ -7,11 +7,12 @@
 
 #include "platform/notifications/NotificationCenter.h"
 #include "support/LogCapture.h"
+#include "support/TestPaths.h"
 
 namespace quillet::platform {
 namespace {
 
-const std::filesystem::path kVideos = QUILLET_TEST_VIDEOS;
+const std::filesystem::path kVideos = quillet::testing::TestPaths::testVideosDirectory();
 
 class MediaPlayerTest : public ::testing::Test {
  protected:
