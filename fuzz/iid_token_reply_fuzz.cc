@@ -31,8 +31,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto token = parsed.find("token");
   if (token != parsed.end()) {
     InstanceIDRegistrationContent::tokenFromTokenText(token->second, 7);
-    InstanceIDRegistrationClient::parseToken(token->second, "", 7, "entity", nullptr,
-                                             [](const std::optional<std::string>&, const std::optional<quillet::platform::Error>&) {});
+    InstanceIDRegistrationClient::parseToken(
+        token->second, "", 7, "entity", nullptr,
+        [](const std::optional<std::string>&, const std::optional<quillet::platform::Error>&) {});
     quillet::platform::RunLoop::main().runPending();
   }
   return 0;

@@ -1,8 +1,8 @@
 // The stand-in cloud for the demo and the end-to-end tests: starts the
 // backend's servers on loopback, prints where each listens, one per line,
 // and runs until SIGINT or SIGTERM.
-#include <CLI/CLI.hpp>
 #include <signal.h>
+#include <CLI/CLI.hpp>
 
 #include <filesystem>
 #include <iostream>
@@ -49,9 +49,9 @@ int main(int argc, char** argv) {
   CLI11_PARSE(app, argc, argv);
 
   quillet::platform::Log::setProcessName("quillet-backend");
-  const std::filesystem::path root = dataDir.empty()
-                                         ? quillet::platform::FileSystem::defaultRoot().parent_path() / "quillet-backend"
-                                         : std::filesystem::path(dataDir);
+  const std::filesystem::path root =
+      dataDir.empty() ? quillet::platform::FileSystem::defaultRoot().parent_path() / "quillet-backend"
+                      : std::filesystem::path(dataDir);
 
   // The signals are taken by sigwait below, on this thread; the servers'
   // threads inherit the mask and never see them.

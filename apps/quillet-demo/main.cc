@@ -4,10 +4,10 @@
 // reader's gestures (or any driver command). `q`, the end of the input or
 // Ctrl-C leaves and stops the server. With --script it runs driver commands
 // from a file and prints the driver's events instead (docs/driver.md).
-#include <CLI/CLI.hpp>
 #include <signal.h>
 #include <stdlib.h>
 #include <unistd.h>
+#include <CLI/CLI.hpp>
 
 #include <atomic>
 #include <cstdlib>
@@ -31,7 +31,7 @@ void requestStop(int) { stopRequested.store(true); }
 // then goes back to the default, so a second one ends the process at once.
 // Without SA_RESTART, so a read it falls on fails rather than carrying on.
 void installStopHandler() {
-  struct sigaction action{};
+  struct sigaction action {};
   action.sa_handler = requestStop;
   sigemptyset(&action.sa_mask);
   action.sa_flags = SA_RESETHAND;
@@ -98,8 +98,9 @@ int main(int argc, char** argv) {
   std::ofstream logFile(root / "demo.log", std::ios::app);
   quillet::platform::Log::setProcessName("quillet-demo");
   quillet::platform::Log::setStandardErrorEnabled(false);
-  const int logSink = quillet::platform::Log::addSink(
-      [&logFile](const quillet::platform::LogRecord& record) { logFile << record.line << '\n' << std::flush; });
+  const int logSink = quillet::platform::Log::addSink([&logFile](const quillet::platform::LogRecord& record) {
+    logFile << record.line << '\n' << std::flush;
+  });
   installStopHandler();
 
   quillet::backend::NewsServerOptions serverOptions;

@@ -14,8 +14,7 @@ int main(int argc, char** argv) {
   quillet::news::PhoneOptions options;
   std::string dataDir;
   app.add_option("--data-dir", dataDir, "Per-install data root (default: $XDG_DATA_HOME/quillet)");
-  app.add_option("--api-base", options.apiBase, "Base URL of the news API, ending in /")
-      ->capture_default_str();
+  app.add_option("--api-base", options.apiBase, "Base URL of the news API, ending in /")->capture_default_str();
   app.add_option("--network", options.network, "Network the phone has")
       ->check(CLI::IsMember({"auto", "wifi", "cellular", "none"}))
       ->capture_default_str();
@@ -32,8 +31,7 @@ int main(int argc, char** argv) {
   app.add_option("--scale", options.screenScale, "Pixels per point of the screen")
       ->check(CLI::Range(1.0, 4.0))
       ->capture_default_str();
-  app.add_option("--checkin-url", options.checkinURL, "Where instance ID checks the device in")
-      ->capture_default_str();
+  app.add_option("--checkin-url", options.checkinURL, "Where instance ID checks the device in")->capture_default_str();
   app.add_option("--registration-url", options.registrationURL, "Where instance ID registers for tokens")
       ->capture_default_str();
   app.add_option("--ca-file", options.caFile,

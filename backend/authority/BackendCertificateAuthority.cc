@@ -44,8 +44,8 @@ CertPtr makeCertificate(EVP_PKEY* key, const char* commonName, long serial, X509
   X509_gmtime_adj(X509_getm_notAfter(cert.get()), 10L * 365 * 24 * 3600);
   X509_set_pubkey(cert.get(), key);
   X509_NAME* name = X509_get_subject_name(cert.get());
-  X509_NAME_add_entry_by_txt(name, "O", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("Quillet Backend"), -1,
-                             -1, 0);
+  X509_NAME_add_entry_by_txt(name, "O", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("Quillet Backend"), -1, -1,
+                             0);
   X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>(commonName), -1, -1, 0);
   X509* signer = issuer ? issuer : cert.get();
   X509_set_issuer_name(cert.get(), X509_get_subject_name(signer));
@@ -69,7 +69,8 @@ bool writePem(const std::filesystem::path& path, X509* cert, EVP_PKEY* key) {
   FILE* file = std::fopen(path.c_str(), "w");
   if (!file) return false;
   if (key) ::chmod(path.c_str(), 0600);
-  bool ok = cert ? PEM_write_X509(file, cert) == 1 : PEM_write_PrivateKey(file, key, nullptr, nullptr, 0, nullptr, nullptr) == 1;
+  bool ok = cert ? PEM_write_X509(file, cert) == 1
+                 : PEM_write_PrivateKey(file, key, nullptr, nullptr, 0, nullptr, nullptr) == 1;
   return std::fclose(file) == 0 && ok;
 }
 

@@ -10,8 +10,7 @@ namespace quillet::backend {
 
 BackendHttpsServer::BackendHttpsServer(std::string name, const std::filesystem::path& certificateFile,
                                        const std::filesystem::path& keyFile)
-    : name_(std::move(name)),
-      server_(std::make_unique<httplib::SSLServer>(certificateFile.c_str(), keyFile.c_str())) {
+    : name_(std::move(name)), server_(std::make_unique<httplib::SSLServer>(certificateFile.c_str(), keyFile.c_str())) {
   // An idle kept-alive connection is closed after a second, so that stop()
   // does not wait out the library's default keep-alive time.
   server_->set_keep_alive_timeout(1);

@@ -34,7 +34,7 @@ class BackendHttpsServer {
   void stop();
 
   int port() const { return port_; }  // 0 before start
-  std::string baseUrl() const;         // "https://<host>:<port>"
+  std::string baseUrl() const;        // "https://<host>:<port>"
 
   // From inside a handler: ends the request's TCP connection in both
   // directions, so that the peer sees it close without an answer. False

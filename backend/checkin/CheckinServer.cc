@@ -115,7 +115,8 @@ void CheckinServer::Impl::answerCheckin(const httplib::Request& request, httplib
   if (hasFault(CheckinFault::Drop)) {
     record.result = "dropped (fault)";
     log.record(record);
-    if (!BackendHttpsServer::dropConnection(request)) platform::Log::write("checkin server: cannot drop the connection");
+    if (!BackendHttpsServer::dropConnection(request))
+      platform::Log::write("checkin server: cannot drop the connection");
     return;
   }
   std::string reason;
@@ -135,7 +136,8 @@ void CheckinServer::Impl::answerCheckin(const httplib::Request& request, httplib
   CheckinDevice device = deviceFor(*checkin, &result);
   refresh(device, now);
   if (hasFault(CheckinFault::GarbageBody)) {
-    return finish(200, "<html><body>Service Unavailable</body></html>", "text/html", result + "; garbage answer (fault)");
+    return finish(200, "<html><body>Service Unavailable</body></html>", "text/html",
+                  result + "; garbage answer (fault)");
   }
   nlohmann::json settings = nlohmann::json::array();
   for (const auto& [name, value] : options.settings) settings.push_back({{"name", name}, {"value", value}});

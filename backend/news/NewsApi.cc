@@ -54,9 +54,8 @@ const std::string& parameter(const NewsQuery& query, const std::string& name) {
 
 // A decimal id of 1 to 18 digits.
 std::optional<int64_t> parseId(const std::string& text) {
-  if (text.empty() || text.size() > 18 || !std::all_of(text.begin(), text.end(), [](char c) {
-        return c >= '0' && c <= '9';
-      })) {
+  if (text.empty() || text.size() > 18 ||
+      !std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; })) {
     return std::nullopt;
   }
   return std::stoll(text);
@@ -85,7 +84,8 @@ bool looksLikeAddress(const std::string& text) {
 
 void replaceBase(Value& value, const std::string& base) {
   if (value.isString()) {
-    if (value.string().rfind(kBaseMark, 0) == 0) value = Value(base + value.string().substr(std::string(kBaseMark).size()));
+    if (value.string().rfind(kBaseMark, 0) == 0)
+      value = Value(base + value.string().substr(std::string(kBaseMark).size()));
   } else if (value.isArray()) {
     for (Value& item : value.arrayItems()) replaceBase(item, base);
   } else if (value.isDictionary()) {
@@ -96,9 +96,8 @@ void replaceBase(Value& value, const std::string& base) {
 }  // namespace
 
 bool NewsApi::isMethod(const std::string& method) {
-  static const std::set<std::string> methods = {"showNews",    "getMostPopularNews", "getFeaturedNews",
-                                                "getAllCategory", "addUser",         "addFeedback",
-                                                "cms_App",     "setReadCount"};
+  static const std::set<std::string> methods = {"showNews", "getMostPopularNews", "getFeaturedNews", "getAllCategory",
+                                                "addUser",  "addFeedback",        "cms_App",         "setReadCount"};
   return methods.count(method) > 0;
 }
 
@@ -131,9 +130,9 @@ NewsReply NewsApi::handle(const std::string& method, const NewsQuery& query, con
     reply = showNews(query);
   } else if (method == "getMostPopularNews" || method == "getFeaturedNews" || method == "getAllCategory") {
     if (auto refusal = checkParameters(query, {})) return *refusal;
-    reply = ok(method == "getAllCategory"       ? store_.categories()
-               : method == "getFeaturedNews"    ? store_.featuredNews()
-                                                : store_.mostPopularNews());
+    reply = ok(method == "getAllCategory"    ? store_.categories()
+               : method == "getFeaturedNews" ? store_.featuredNews()
+                                             : store_.mostPopularNews());
   } else if (method == "addUser") {
     reply = addUser(query);
   } else if (method == "addFeedback") {
@@ -151,7 +150,8 @@ NewsReply NewsApi::handle(const std::string& method, const NewsQuery& query, con
 
 NewsReply NewsApi::showNews(const NewsQuery& query) {
   // The client asks by user ("id") or by category ("category_id"), never both.
-  const bool byUser = std::any_of(query.pairs.begin(), query.pairs.end(), [](const auto& p) { return p.first == "id"; });
+  const bool byUser =
+      std::any_of(query.pairs.begin(), query.pairs.end(), [](const auto& p) { return p.first == "id"; });
   if (auto refusal = checkParameters(query, {byUser ? "id" : "category_id"})) return *refusal;
   if (byUser) {
     auto userId = parseId(parameter(query, "id"));
@@ -178,7 +178,8 @@ NewsReply NewsApi::addUser(const NewsQuery& query) {
   }
   auto userId = store_.addUser(parameter(query, "device_id"), parameter(query, "device_token"), favourites);
   if (!userId) return refused(500, "cannot add the user");
-  return {200, Value::dictionary({{"status", Value(true)}, {"user_id", Value(*userId)}, {"message", Value("User added")}})};
+  return {200,
+          Value::dictionary({{"status", Value(true)}, {"user_id", Value(*userId)}, {"message", Value("User added")}})};
 }
 
 NewsReply NewsApi::addFeedback(const NewsQuery& query) {

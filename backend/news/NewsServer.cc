@@ -42,11 +42,20 @@ std::string htmlEscape(const std::string& text) {
   std::string out;
   for (char c : text) {
     switch (c) {
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '&': out += "&amp;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '&':
+        out += "&amp;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
     }
   }
   return out;
@@ -88,8 +97,9 @@ bool NewsServer::Impl::openStore(platform::Error* error) {
   store = NewsStore::open(options.dataDirectory / "news.sqlite", options.clock, error);
   if (!store) return false;
   if (!store->isSeeded()) {
-    const std::filesystem::path resources =
-        options.resourceDirectory.empty() ? std::filesystem::path(QUILLET_BACKEND_RESOURCES) : options.resourceDirectory;
+    const std::filesystem::path resources = options.resourceDirectory.empty()
+                                                ? std::filesystem::path(QUILLET_BACKEND_RESOURCES)
+                                                : options.resourceDirectory;
     const std::filesystem::path seedFile = resources / "news" / "seed.json";
     auto text = platform::AtomicFile::read(seedFile, error);
     if (!text) {
@@ -107,8 +117,7 @@ bool NewsServer::Impl::openStore(platform::Error* error) {
 }
 
 void NewsServer::Impl::installRoutes() {
-  http.Get(R"(/newsapp/api/([^/]*))",
-           [this](const httplib::Request& q, httplib::Response& r) { answerApi(q, r); });
+  http.Get(R"(/newsapp/api/([^/]*))", [this](const httplib::Request& q, httplib::Response& r) { answerApi(q, r); });
   http.Get(R"(/newsapp/images/(story|category)/(\d{1,9})(-hd|-normal)?\.(png|jpg))",
            [this](const httplib::Request& q, httplib::Response& r) { answerImage(q, r); });
   http.Get(R"(/newsapp/videos/([A-Za-z0-9_-]{1,64})\.mp4)",
@@ -144,9 +153,10 @@ void NewsServer::Impl::answerApi(const httplib::Request& request, httplib::Respo
       break;
     case NewsFault::Kind::HtmlBody:
       response.status = 200;
-      response.set_content("<html><head><title>Service Unavailable</title></head>"
-                           "<body><h1>Service Unavailable</h1></body></html>",
-                           "text/html");
+      response.set_content(
+          "<html><head><title>Service Unavailable</title></head>"
+          "<body><h1>Service Unavailable</h1></body></html>",
+          "text/html");
       return;
     case NewsFault::Kind::NotFound:
       response.status = 404;
@@ -213,8 +223,8 @@ void NewsServer::Impl::answerControl(const httplib::Request& request, httplib::R
   const Value command = platform::jsonDecode(request.body);
   auto refuse = [&](const std::string& message) {
     response.status = 400;
-    response.set_content(platform::jsonEncode(Value::dictionary({{"status", Value(false)}, {"message", Value(message)}})),
-                         kJsonType);
+    response.set_content(
+        platform::jsonEncode(Value::dictionary({{"status", Value(false)}, {"message", Value(message)}})), kJsonType);
   };
   if (!command.isDictionary()) return refuse("the body must be a JSON object");
   if (command["clear"].boolValue()) {
@@ -275,7 +285,8 @@ bool NewsServer::start(platform::Error* error) {
                                 : (impl.http.bind_to_port(options.host, options.port) ? options.port : -1);
   auto fail = [error](const std::string& message) {
     platform::Log::write(message);
-    if (error) *error = platform::Error("quillet.backend.news", 2, Value::dictionary({{"NSLocalizedDescription", message}}));
+    if (error)
+      *error = platform::Error("quillet.backend.news", 2, Value::dictionary({{"NSLocalizedDescription", message}}));
     return false;
   };
   if (bound <= 0) return fail("news server: cannot listen on " + options.host + ":" + std::to_string(options.port));

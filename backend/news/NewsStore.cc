@@ -30,9 +30,17 @@ CREATE TABLE IF NOT EXISTS requests (
 )sql";
 
 // The item keys, in the order of the news table's columns.
-constexpr const char* kItemKeys[] = {"id", "new_title", "news_description", "created_date", "content_manger_name",
-                                     "added_by_user_id", "added_by_user", "news_image_hd", "news_image_normal",
-                                     "news_media_type", "news_source_url"};
+constexpr const char* kItemKeys[] = {"id",
+                                     "new_title",
+                                     "news_description",
+                                     "created_date",
+                                     "content_manger_name",
+                                     "added_by_user_id",
+                                     "added_by_user",
+                                     "news_image_hd",
+                                     "news_image_normal",
+                                     "news_media_type",
+                                     "news_source_url"};
 constexpr const char* kNewsColumns =
     "n.id, n.new_title, n.news_description, n.created_date, n.content_manger_name, n.added_by_user_id, "
     "n.added_by_user, n.news_image_hd, n.news_image_normal, n.news_media_type, n.news_source_url";
@@ -51,7 +59,8 @@ void bindTextOrNull(platform::SqliteStatement& st, int index, const Value& value
 
 bool fail(platform::Error* error, const std::string& message) {
   platform::Log::write("news server: " + message);
-  if (error) *error = platform::Error("quillet.backend.news", 1, Value::dictionary({{"NSLocalizedDescription", message}}));
+  if (error)
+    *error = platform::Error("quillet.backend.news", 1, Value::dictionary({{"NSLocalizedDescription", message}}));
   return false;
 }
 
@@ -64,8 +73,8 @@ std::unique_ptr<NewsStore> NewsStore::open(const std::filesystem::path& file, st
                                            platform::Error* error) {
   std::error_code ec;
   std::filesystem::create_directories(file.parent_path(), ec);
-  auto db = platform::SqliteDatabase::open(file.string(), platform::SqliteDatabase::kOpenReadWrite |
-                                                              platform::SqliteDatabase::kOpenCreate, error);
+  auto db = platform::SqliteDatabase::open(
+      file.string(), platform::SqliteDatabase::kOpenReadWrite | platform::SqliteDatabase::kOpenCreate, error);
   if (!db) {
     platform::Log::write("news server: cannot open " + file.string());
     return nullptr;
@@ -148,9 +157,8 @@ Value NewsStore::categories() {
   Value out = Value::array({});
   auto st = db_.prepare("SELECT id, name, image FROM categories ORDER BY id");
   while (st && st->step() == platform::SqliteStatement::StepResult::Row) {
-    out.append(Value::dictionary({{"id", Value(st->columnText(0))},
-                                  {"name", Value(st->columnText(1))},
-                                  {"image", Value(st->columnText(2))}}));
+    out.append(Value::dictionary(
+        {{"id", Value(st->columnText(0))}, {"name", Value(st->columnText(1))}, {"image", Value(st->columnText(2))}}));
   }
   return out;
 }

@@ -19,9 +19,9 @@ namespace quillet::backend {
 struct NewsRecordedRequest {
   std::string method;  // the HTTP verb
   std::string path;
-  std::string query;   // the raw query text, without "?"
-  double time = 0;     // wall seconds
-  int status = 0;      // HTTP status sent; 0 when the connection was dropped
+  std::string query;  // the raw query text, without "?"
+  double time = 0;    // wall seconds
+  int status = 0;     // HTTP status sent; 0 when the connection was dropped
 };
 
 // The news server's data set in one SQLite file: categories, stories, users,

@@ -21,9 +21,9 @@ struct RegistrationRequest {
   std::string device;
   std::string appVersion;
   std::string scope;
-  std::string requestId;  // "X-kid", decimal
+  std::string requestId;         // "X-kid", decimal
   std::string messagingVersion;  // "X-msg_ver", optional
-  bool hasKeyPart = false;  // appid, pub2 and sig present (always for a fetch)
+  bool hasKeyPart = false;       // appid, pub2 and sig present (always for a fetch)
   std::string appId;
   std::string pub2;
   std::string sig;

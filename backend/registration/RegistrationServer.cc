@@ -38,8 +38,8 @@ struct RegistrationServer::Impl {
   void answerTokens(const httplib::Request& request, httplib::Response& response) const;
   std::optional<Credential> credentialOf(const std::string& authorization) const;
   // Why an authorised request must be refused ("" when it passes): the reason word, and the detail.
-  std::string refusal(const httplib::Request& request, const Credential& credential,
-                      const RegistrationRequest& form, std::string* detail) const;
+  std::string refusal(const httplib::Request& request, const Credential& credential, const RegistrationRequest& form,
+                      std::string* detail) const;
   // Uses up one answer of the first switch of that kind, if one is on.
   std::optional<RegistrationSwitch> takeSwitch(RegistrationSwitch::Kind kind);
 
@@ -107,8 +107,13 @@ std::string RegistrationServer::Impl::refusal(const httplib::Request& request, c
 }
 
 void RegistrationServer::Impl::answerRegister(const httplib::Request& request, httplib::Response& response) {
-  BackendRequest record{request.method, request.path, {request.headers.begin(), request.headers.end()},
-                        request.body,   clock->wallMilliseconds(), 0, ""};
+  BackendRequest record{request.method,
+                        request.path,
+                        {request.headers.begin(), request.headers.end()},
+                        request.body,
+                        clock->wallMilliseconds(),
+                        0,
+                        ""};
   auto finish = [&](int status, const std::string& body, std::string result) {
     record.status = status;
     record.result = std::move(result);
@@ -144,9 +149,8 @@ void RegistrationServer::Impl::answerRegister(const httplib::Request& request, h
     body = "Error=" + error->text + "\n";
     result = "Error=" + error->text + " (switch)";
   } else if (form->isDelete) {
-    const size_t removed = book.remove(form->device, form->scope,
-                                       form->hasKeyPart ? std::optional(form->appId) : std::nullopt,
-                                       credential->sender);
+    const size_t removed = book.remove(
+        form->device, form->scope, form->hasKeyPart ? std::optional(form->appId) : std::nullopt, credential->sender);
     body = "deleted=" + form->scope + "\n";
     result = "deleted " + std::to_string(removed) + " token(s) of scope " + form->scope;
   } else {

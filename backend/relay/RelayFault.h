@@ -9,14 +9,14 @@ namespace quillet::backend {
 // hold until cleared; the others are actions done at once on every signed-in
 // connection.
 enum class RelayFault {
-  WrongVersion,   // mode: the version byte sent is 39
-  LoginError,     // mode: every login is answered with an error
-  Silence,        // mode: pings are not answered
-  SplitBytes,     // mode: every frame goes out one byte per write
-  NegativeTag,    // action: a frame with tag 0x80
-  OversizedFrame, // action: a frame of 1.5 MiB
-  CloseFrame,     // action: a close message
-  DropMidFrame,   // action: half a frame, then the connection is dropped
+  WrongVersion,    // mode: the version byte sent is 39
+  LoginError,      // mode: every login is answered with an error
+  Silence,         // mode: pings are not answered
+  SplitBytes,      // mode: every frame goes out one byte per write
+  NegativeTag,     // action: a frame with tag 0x80
+  OversizedFrame,  // action: a frame of 1.5 MiB
+  CloseFrame,      // action: a close message
+  DropMidFrame,    // action: half a frame, then the connection is dropped
 };
 
 // "wrong_version", "login_error", "silence", "split_bytes", "negative_tag",

@@ -92,8 +92,10 @@ std::vector<RelayReceivedMessage> RelayMailbox::received() const {
 
 void RelayMailbox::setMode(RelayFault fault, bool on) {
   std::lock_guard lock(mutex_);
-  if (on) modes_.insert(fault);
-  else modes_.erase(fault);
+  if (on)
+    modes_.insert(fault);
+  else
+    modes_.erase(fault);
 }
 
 bool RelayMailbox::hasMode(RelayFault fault) const {

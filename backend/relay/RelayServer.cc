@@ -97,14 +97,16 @@ bool RelayServer::start(platform::Error* error) {
                                      static_cast<uint16_t>(impl.options.port));
     impl.acceptor = std::make_unique<asio::ip::tcp::acceptor>(impl.io, endpoint);
   } catch (const std::exception& e) {
-    return fail("relay server: cannot listen on " + impl.options.host + ":" + std::to_string(impl.options.port) +
-                ": " + e.what());
+    return fail("relay server: cannot listen on " + impl.options.host + ":" + std::to_string(impl.options.port) + ": " +
+                e.what());
   }
   impl.boundPort = impl.acceptor->local_endpoint().port();
   if (impl.options.adminPort >= 0) {
-    impl.http.Post("/relay/messages", [this](const httplib::Request& q, httplib::Response& r) { impl_->answerQueue(q, r); });
+    impl.http.Post("/relay/messages",
+                   [this](const httplib::Request& q, httplib::Response& r) { impl_->answerQueue(q, r); });
     impl.http.Get("/relay/messages", [this](const httplib::Request&, httplib::Response& r) { impl_->answerList(r); });
-    impl.http.Post("/relay/_control", [this](const httplib::Request& q, httplib::Response& r) { impl_->answerControl(q, r); });
+    impl.http.Post("/relay/_control",
+                   [this](const httplib::Request& q, httplib::Response& r) { impl_->answerControl(q, r); });
     int bound = impl.options.adminPort == 0
                     ? impl.http.bind_to_any_port(impl.options.host)
                     : (impl.http.bind_to_port(impl.options.host, impl.options.adminPort) ? impl.options.adminPort : -1);

@@ -34,8 +34,8 @@ class RelayServer {
   bool start(platform::Error* error = nullptr);
   void stop();
 
-  int port() const;        // the relay port, 0 before start
-  int adminPort() const;   // 0 when there is no admin interface
+  int port() const;              // the relay port, 0 before start
+  int adminPort() const;         // 0 when there is no admin interface
   std::string adminUrl() const;  // "http://127.0.0.1:<port>"
 
   // Holds a data message for `device` and delivers it on its open connections; the persistent id.

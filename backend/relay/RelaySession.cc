@@ -29,8 +29,7 @@ std::string frameBytes(uint8_t tag, const std::string& body) {
 }  // namespace
 
 RelaySession::RelaySession(asio::ip::tcp::socket socket, asio::ssl::context& context, RelayMailbox& mailbox,
-                           std::shared_ptr<platform::Clock> clock, double heartbeatIntervalSeconds,
-                           uint64_t sessionId)
+                           std::shared_ptr<platform::Clock> clock, double heartbeatIntervalSeconds, uint64_t sessionId)
     : ssl_(std::move(socket), context),
       mailbox_(mailbox),
       clock_(std::move(clock)),
@@ -113,7 +112,8 @@ bool RelaySession::handleFrame(int tag, const std::string& body) {
         send(ack);
       }
       break;
-    case kMSGProtoTagClose: return false;
+    case kMSGProtoTagClose:
+      return false;
     case kMSGProtoTagDataMessageStanza:
       if (persistentId && !persistentId->empty()) {
         RelaySelectiveAck selective;
@@ -126,7 +126,8 @@ bool RelaySession::handleFrame(int tag, const std::string& body) {
         send(iq);
       }
       break;
-    default: break;  // heartbeat acks, stream acks: only their position counts
+    default:
+      break;  // heartbeat acks, stream acks: only their position counts
   }
   return true;
 }
@@ -152,7 +153,8 @@ bool RelaySession::handleLogin(const std::string& body) {
   }
   signedIn_ = true;
   device_ = request.user();
-  mailbox_.confirmIds(device_, {request.receivedpersistentidarray().begin(), request.receivedpersistentidarray().end()});
+  mailbox_.confirmIds(device_,
+                      {request.receivedpersistentidarray().begin(), request.receivedpersistentidarray().end()});
   response.set_jid(device_ + "@" + request.domain());
   response.set_servertimestamp(clock_->wallMilliseconds());
   response.set_laststreamidreceived(inStreamId_);
@@ -174,8 +176,12 @@ void RelaySession::deliverHeld() {
 void RelaySession::perform(RelayFault action) {
   if (closed_) return;
   switch (action) {
-    case RelayFault::NegativeTag: writeRaw(std::string("\x80\x01", 2) + std::string(1, '\0')); break;
-    case RelayFault::OversizedFrame: writeRaw(frameBytes(kMSGProtoTagDataMessageStanza, std::string(kOversizedBody, 'o'))); break;
+    case RelayFault::NegativeTag:
+      writeRaw(std::string("\x80\x01", 2) + std::string(1, '\0'));
+      break;
+    case RelayFault::OversizedFrame:
+      writeRaw(frameBytes(kMSGProtoTagDataMessageStanza, std::string(kOversizedBody, 'o')));
+      break;
     case RelayFault::CloseFrame: {
       RelayClose close;
       send(close);
@@ -188,7 +194,8 @@ void RelaySession::perform(RelayFault action) {
       writeRaw(bytes.substr(0, bytes.size() / 2), true);
       break;
     }
-    default: break;  // modes are not actions
+    default:
+      break;  // modes are not actions
   }
 }
 

@@ -17,7 +17,8 @@ const std::vector<uint8_t>& jpeg() {
   static const std::vector<uint8_t> bytes = [] {
     constexpr int kSide = 1024;
     std::vector<uint8_t> pixels(size_t{kSide} * kSide * 3);
-    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<uint8_t>((i / 3 % kSide + i / 3 / kSide) * (i % 3 + 1));
+    for (size_t i = 0; i < pixels.size(); ++i)
+      pixels[i] = static_cast<uint8_t>((i / 3 % kSide + i / 3 / kSide) * (i % 3 + 1));
     std::vector<uint8_t> out;
     stbi_write_jpg_to_func(
         [](void* context, void* data, int size) {

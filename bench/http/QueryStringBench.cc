@@ -19,10 +19,18 @@ Value parameters() {
   for (int i = 0; i < 50; ++i) {
     const std::string key = "key" + std::to_string(i);
     switch (i % 4) {
-      case 0: root.set(key, "value " + std::to_string(i) + " & more"); break;
-      case 1: root.set(key, i * 37); break;
-      case 2: root.set(key, Value::dictionary({{"inner", "a/b"}, {"id", i}})); break;
-      default: root.set(key, Value::array({"x", "y", i})); break;
+      case 0:
+        root.set(key, "value " + std::to_string(i) + " & more");
+        break;
+      case 1:
+        root.set(key, i * 37);
+        break;
+      case 2:
+        root.set(key, Value::dictionary({{"inner", "a/b"}, {"id", i}}));
+        break;
+      default:
+        root.set(key, Value::array({"x", "y", i}));
+        break;
     }
   }
   return root;

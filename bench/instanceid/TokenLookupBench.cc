@@ -53,7 +53,8 @@ struct TokenLookupInstall {
 
 void BM_KeychainReadBaseline(benchmark::State& state) {
   TokenLookupInstall install;
-  platform::KeychainQuery query = InstanceIDAuthKeychain::keychainQueryForService("MSG", "sender", "com.stikri.iid-tokens");
+  platform::KeychainQuery query =
+      InstanceIDAuthKeychain::keychainQueryForService("MSG", "sender", "com.stikri.iid-tokens");
   std::vector<platform::KeychainItem> items;
   for (auto _ : state) {
     const int32_t status = install.keychain->copyMatching(query, platform::Keychain::MatchLimit::One, &items);

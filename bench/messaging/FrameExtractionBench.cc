@@ -26,7 +26,7 @@ const std::vector<uint8_t>& mixedFrames() {
     while (out.size() < kTotal) {
       size_t size = bodySize(random);
       out.push_back(8);
-      for (size_t n = size; ; n >>= 7) {
+      for (size_t n = size;; n >>= 7) {
         out.push_back(static_cast<uint8_t>((n & 0x7f) | (n >= 0x80 ? 0x80 : 0)));
         if (n < 0x80) break;
       }
@@ -92,7 +92,8 @@ void BM_FrameExtraction(benchmark::State& state) {
     loop.runPending();
     seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     state.PauseTiming();
-    if (stream->unreadCount() != 0 || socket.state() != MSGSecureSocket::kStateOpen) state.SkipWithError("not all read");
+    if (stream->unreadCount() != 0 || socket.state() != MSGSecureSocket::kStateOpen)
+      state.SkipWithError("not all read");
     socket.setDelegate(nullptr);
     state.ResumeTiming();
   }
@@ -102,7 +103,13 @@ void BM_FrameExtraction(benchmark::State& state) {
   state.counters["memcpy_MB_per_s"] = memcpyRate / 1e6;
   state.counters["vs_memcpy"] = rate / memcpyRate;
 }
-BENCHMARK(BM_FrameExtraction)->Arg(1)->Arg(16)->Arg(256)->Arg(4096)->Arg(16384)->Unit(benchmark::kMillisecond)
+BENCHMARK(BM_FrameExtraction)
+    ->Arg(1)
+    ->Arg(16)
+    ->Arg(256)
+    ->Arg(4096)
+    ->Arg(16384)
+    ->Unit(benchmark::kMillisecond)
     ->Iterations(2);
 
 }  // namespace

@@ -37,8 +37,8 @@ void BM_RelayEndToEnd(benchmark::State& state) {
   options.credentials = {{"1", "s"}};
   backend::RelayServer server(options);
   server.start();
-  auto manager = state.range(0) ? std::make_shared<MSGRmqManager>("rmq2", std::make_shared<platform::FileSystem>(dir))
-                                : nullptr;
+  auto manager =
+      state.range(0) ? std::make_shared<MSGRmqManager>("rmq2", std::make_shared<platform::FileSystem>(dir)) : nullptr;
   platform::RunLoop loop;
   platform::TlsStreamOptions tls;
   tls.caFile = authority.caFile();

@@ -5,10 +5,10 @@
 // formatters made or reused, and a swipe through 1,000 stored stories card by card.
 #include <benchmark/benchmark.h>
 
+#include <unistd.h>
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <unistd.h>
 
 #include "news/card/NewsCard.h"
 #include "news/store/NewsDatabaseFile.h"
@@ -59,9 +59,10 @@ struct StoredStories {
         "insert into news_table (added_by_user_id,added_by_users,content_manger_name,created_date,id,new_title,"
         "news_description,news_image_hd,news_image_normal,news_media_type,news_source_url,status) VALUES "
         "(?,?,?,?,?,?,?,?,?,?,?,?)");
-    const char* const keys[] = {"added_by_user_id", "added_by_user",     "content_manger_name", "created_date",
-                                "id",               "new_title",         "news_description",    "news_image_hd",
-                                "news_image_normal", "news_media_type", "news_source_url"};
+    const char* const keys[] = {
+        "added_by_user_id", "added_by_user",    "content_manger_name", "created_date",      "id",
+        "new_title",        "news_description", "news_image_hd",       "news_image_normal", "news_media_type",
+        "news_source_url"};
     for (int i = 0; i < kStories; ++i) {
       const Value item = storyItem(i);
       for (int column = 0; column < 11; ++column) statement->bindText(column + 1, item[keys[column]].string());
@@ -193,8 +194,8 @@ void BM_SwipeThroughStoredStories(benchmark::State& state) {
     if (arrNews.count() != kStories) state.SkipWithError("the unread list is not the stored stories");
     for (const Value& item : arrNews.arrayItems()) drawCardLocally(stories.store, item);
   }
-  state.counters["per_card"] = benchmark::Counter(kStories, benchmark::Counter::kIsIterationInvariantRate |
-                                                                benchmark::Counter::kInvert);
+  state.counters["per_card"] =
+      benchmark::Counter(kStories, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(BM_SwipeThroughStoredStories)->Unit(benchmark::kMillisecond)->UseRealTime();
 

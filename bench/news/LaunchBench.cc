@@ -5,13 +5,13 @@
 // launch; BM_SplashPause measures it alone, to be taken off when wanted.
 #include <benchmark/benchmark.h>
 
+#include <unistd.h>
 #include <chrono>
 #include <filesystem>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <thread>
-#include <unistd.h>
 
 #include "backend/news/NewsServer.h"
 #include "news/app/AppKeys.h"
@@ -116,8 +116,7 @@ void BM_LaunchToFirstFeedReply(benchmark::State& state) {
       break;
     }
   }
-  state.counters["launch_command"] =
-      benchmark::Counter(launchCallSeconds, benchmark::Counter::kAvgIterations);
+  state.counters["launch_command"] = benchmark::Counter(launchCallSeconds, benchmark::Counter::kAvgIterations);
 }
 BENCHMARK(BM_LaunchToFirstFeedReply)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(10);
 

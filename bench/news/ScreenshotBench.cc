@@ -36,9 +36,10 @@ std::shared_ptr<platform::View> cardScreen() {
   label("Menu", Rect{0, 20, 60, 44}, "System-Regular", 17, 1);
   label("Students map the moss on every bridge in town", Rect{12, 297, 351, 56}, "System-Bold", 20, 0);
   label("Posted By Priya Lanning | 08th Oct 2016", Rect{12, 355, 351, 18}, "System-Regular", 10, 1);
-  label("A class at the Fernhollow institute catalogued eighteen kinds of moss on the town's bridges and "
-        "found two that prefer iron railings.",
-        Rect{12, 377, 351, 200}, "System-Regular", 16, 0);
+  label(
+      "A class at the Fernhollow institute catalogued eighteen kinds of moss on the town's bridges and "
+      "found two that prefer iron railings.",
+      Rect{12, 377, 351, 200}, "System-Regular", 16, 0);
   return root;
 }
 

@@ -4,10 +4,10 @@
 // that baseline, measured in the same run.
 #include <benchmark/benchmark.h>
 
+#include <unistd.h>
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <unistd.h>
 
 #include "news/store/NewsDatabaseFile.h"
 #include "news/store/NewsStore.h"
@@ -22,9 +22,10 @@ namespace {
 using platform::Value;
 
 constexpr int kItems = 100;
-const char* const kKeys[] = {"added_by_user_id", "added_by_user",     "content_manger_name", "created_date",
-                             "id",               "new_title",         "news_description",    "news_image_hd",
-                             "news_image_normal", "news_media_type", "news_source_url"};
+const char* const kKeys[] = {
+    "added_by_user_id", "added_by_user",    "content_manger_name", "created_date",      "id",
+    "new_title",        "news_description", "news_image_hd",       "news_image_normal", "news_media_type",
+    "news_source_url"};
 
 // A fresh data root with the packaged file copied into Documents.
 struct Fixture {

@@ -16,8 +16,8 @@ namespace {
 void BM_BaselineSnprintf(benchmark::State& state) {
   char buffer[256];
   for (auto _ : state) {
-    int n = std::snprintf(buffer, sizeof buffer, "id=%s count=%lld ratio=%g none=%s status=%s", "post-1234", 42LL,
-                          0.75, "<null>", "{ok=1;}");
+    int n = std::snprintf(buffer, sizeof buffer, "id=%s count=%lld ratio=%g none=%s status=%s", "post-1234", 42LL, 0.75,
+                          "<null>", "{ok=1;}");
     benchmark::DoNotOptimize(buffer);
     benchmark::DoNotOptimize(n);
   }

@@ -29,9 +29,8 @@ struct CertificateMaker {
   // (seconds since 1970), signed by (issuer, issuerKey), or by itself when
   // issuer is null. An authority may sign certificates; a leaf is a TLS
   // server for "localhost" and 127.0.0.1.
-  static CertPtr makeCertificate(EVP_PKEY* key, const char* commonName, long serial, X509* issuer,
-                                 EVP_PKEY* issuerKey, bool isAuthority, std::time_t notBefore,
-                                 std::time_t notAfter);
+  static CertPtr makeCertificate(EVP_PKEY* key, const char* commonName, long serial, X509* issuer, EVP_PKEY* issuerKey,
+                                 bool isAuthority, std::time_t notBefore, std::time_t notAfter);
   static std::vector<uint8_t> der(X509* cert);
   static std::string certificatePem(X509* cert);
   static std::string keyPem(EVP_PKEY* key);

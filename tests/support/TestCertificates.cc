@@ -14,8 +14,8 @@ namespace {
 TestCertificates generate() {
   const std::time_t now = std::time(nullptr);
   KeyPtr caKey = CertificateMaker::makeKey();
-  CertPtr ca = CertificateMaker::makeCertificate(caKey.get(), "Quillet Test CA", 1, nullptr, nullptr, true,
-                                                 now - 3600, now + 24 * 3600);
+  CertPtr ca = CertificateMaker::makeCertificate(caKey.get(), "Quillet Test CA", 1, nullptr, nullptr, true, now - 3600,
+                                                 now + 24 * 3600);
   KeyPtr serverKey = CertificateMaker::makeKey();
   CertPtr server = CertificateMaker::makeCertificate(serverKey.get(), "localhost", 2, ca.get(), caKey.get(), false,
                                                      now - 3600, now + 24 * 3600);

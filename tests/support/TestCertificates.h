@@ -9,9 +9,9 @@ namespace quillet::testing {
 // The server certificate names "localhost" and 127.0.0.1 (subjectAltName) and
 // is valid from an hour ago for a day. Keys are EC P-256.
 struct TestCertificates {
-  std::string caPem;          // the CA certificate, PEM
-  std::string serverCertPem;  // the server certificate, PEM
-  std::string serverKeyPem;   // the server's private key, PEM (PKCS#8, unencrypted)
+  std::string caPem;               // the CA certificate, PEM
+  std::string serverCertPem;       // the server certificate, PEM
+  std::string serverKeyPem;        // the server's private key, PEM (PKCS#8, unencrypted)
   std::filesystem::path caFile;    // dir/ca.pem
   std::filesystem::path certFile;  // dir/server.pem
   std::filesystem::path keyFile;   // dir/server-key.pem

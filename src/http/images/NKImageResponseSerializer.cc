@@ -18,10 +18,9 @@ std::shared_ptr<NKImageResponseSerializer> NKImageResponseSerializer::serializer
 }
 
 NKImageResponseSerializer::NKImageResponseSerializer() : imageScale(platform::Screen::main().scale) {
-  acceptableContentTypes = std::set<std::string>{"image/tiff",      "image/jpeg",      "image/gif",
-                                                 "image/png",       "image/ico",       "image/x-icon",
-                                                 "image/bmp",       "image/x-bmp",     "image/x-xbitmap",
-                                                 "image/x-win-bitmap"};
+  acceptableContentTypes =
+      std::set<std::string>{"image/tiff",   "image/jpeg", "image/gif",   "image/png",       "image/ico",
+                            "image/x-icon", "image/bmp",  "image/x-bmp", "image/x-xbitmap", "image/x-win-bitmap"};
 }
 
 Value NKImageResponseSerializer::responseObjectForResponse(const platform::HttpResponse* response,
@@ -31,7 +30,8 @@ Value NKImageResponseSerializer::responseObjectForResponse(const platform::HttpR
     if (!error || (*error && E::hasCodeInDomain(**error, E::kCannotDecodeContentData, E::kDomain))) return Value();
   }
   if (!data) return Value();
-  return Value::object(automaticallyInflatesResponseImage ? inflatedImage(*data) : Image::imageWithData(*data, imageScale));
+  return Value::object(automaticallyInflatesResponseImage ? inflatedImage(*data)
+                                                          : Image::imageWithData(*data, imageScale));
 }
 
 std::shared_ptr<const Image> NKImageResponseSerializer::inflatedImage(const std::vector<uint8_t>& data) const {

@@ -25,8 +25,7 @@ class NKImageResponseSerializer : public NKHTTPResponseSerializer {
   // The image, or nil: for a reply refused by its content type (or any
   // refused reply when `error` is null), no data, or data that is no image
   // the platform reads. A refused status still yields the image, with the error set.
-  platform::Value responseObjectForResponse(const platform::HttpResponse* response,
-                                            const std::vector<uint8_t>* data,
+  platform::Value responseObjectForResponse(const platform::HttpResponse* response, const std::vector<uint8_t>* data,
                                             std::optional<platform::Error>* error) const override;
 
   double imageScale;

@@ -15,7 +15,8 @@ constexpr const char* kOperationKey = "nk_imageRequestOperation";
 constexpr const char* kSerializerKey = "nk_imageResponseSerializer";
 
 const std::shared_ptr<NKImageResponseSerializer>& sharedImageResponseSerializer() {
-  static const auto* serializer = new std::shared_ptr<NKImageResponseSerializer>(NKImageResponseSerializer::serializer());
+  static const auto* serializer =
+      new std::shared_ptr<NKImageResponseSerializer>(NKImageResponseSerializer::serializer());
   return *serializer;
 }
 

@@ -41,8 +41,8 @@ Value NKHTTPRequestOperation::responseObject() {
     const auto reply = response();
     const auto data = responseData();
     std::optional<Error> serializationError;
-    responseObject_ = responseSerializer_->responseObjectForResponse(reply ? &*reply : nullptr,
-                                                                     data ? &*data : nullptr, &serializationError);
+    responseObject_ = responseSerializer_->responseObjectForResponse(reply ? &*reply : nullptr, data ? &*data : nullptr,
+                                                                     &serializationError);
     responseSerializationError_ = serializationError;
   }
   return responseObject_;

@@ -18,8 +18,8 @@ class NKHTTPRequestOperation : public NKURLConnectionOperation {
   static constexpr const char* kProcessingQueueLabel = "com.kriozugin.networking.http-request.processing";
   using Success = std::function<void(const std::shared_ptr<NKHTTPRequestOperation>& operation,
                                      const platform::Value& responseObject)>;
-  using Failure = std::function<void(const std::shared_ptr<NKHTTPRequestOperation>& operation,
-                                     const platform::Error& error)>;
+  using Failure =
+      std::function<void(const std::shared_ptr<NKHTTPRequestOperation>& operation, const platform::Error& error)>;
 
   static std::shared_ptr<NKHTTPRequestOperation> make(NKURLRequest request);
   // The queue shared by all HTTP operations for decoding replies.

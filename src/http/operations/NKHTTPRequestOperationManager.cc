@@ -36,8 +36,7 @@ std::shared_ptr<NKHTTPRequestOperation> NKHTTPRequestOperationManager::HTTPReque
 }
 
 std::shared_ptr<NKHTTPRequestOperation> NKHTTPRequestOperationManager::HTTPRequestOperationWithHTTPMethod(
-    std::string_view method, std::string_view URLString, const Value& parameters, Success success,
-    Failure failure) {
+    std::string_view method, std::string_view URLString, const Value& parameters, Success success, Failure failure) {
   std::string absolute(URLString);
   if (baseURL_) {
     if (auto resolved = platform::Url::parse(*baseURL_)->resolve(URLString)) absolute = resolved->absoluteString();
@@ -58,8 +57,8 @@ std::shared_ptr<NKHTTPRequestOperation> NKHTTPRequestOperationManager::HTTPReque
 
 std::shared_ptr<NKHTTPRequestOperation> NKHTTPRequestOperationManager::enqueue(std::string_view method,
                                                                                std::string_view URLString,
-                                                                               const Value& parameters,
-                                                                               Success success, Failure failure) {
+                                                                               const Value& parameters, Success success,
+                                                                               Failure failure) {
   auto operation =
       HTTPRequestOperationWithHTTPMethod(method, URLString, parameters, std::move(success), std::move(failure));
   if (operation) operationQueue_.addOperation(operation);
@@ -91,14 +90,14 @@ std::shared_ptr<NKHTTPRequestOperation> NKHTTPRequestOperationManager::PUT(std::
 }
 
 std::shared_ptr<NKHTTPRequestOperation> NKHTTPRequestOperationManager::PATCH(std::string_view URLString,
-                                                                             const Value& parameters,
-                                                                             Success success, Failure failure) {
+                                                                             const Value& parameters, Success success,
+                                                                             Failure failure) {
   return enqueue("PATCH", URLString, parameters, std::move(success), std::move(failure));
 }
 
 std::shared_ptr<NKHTTPRequestOperation> NKHTTPRequestOperationManager::DELETE(std::string_view URLString,
-                                                                              const Value& parameters,
-                                                                              Success success, Failure failure) {
+                                                                              const Value& parameters, Success success,
+                                                                              Failure failure) {
   return enqueue("DELETE", URLString, parameters, std::move(success), std::move(failure));
 }
 

@@ -51,8 +51,8 @@ class NKHTTPRequestOperationManager {
                                                                              const platform::Value& parameters,
                                                                              Success success, Failure failure);
   // Builds (does not start) an operation for `request`, with this manager's settings.
-  std::shared_ptr<NKHTTPRequestOperation> HTTPRequestOperationWithRequest(const NKURLRequest& request,
-                                                                          Success success, Failure failure);
+  std::shared_ptr<NKHTTPRequestOperation> HTTPRequestOperationWithRequest(const NKURLRequest& request, Success success,
+                                                                          Failure failure);
 
   const std::optional<std::string>& baseURL() const { return baseURL_; }
   NKOperationQueue& operationQueue() { return operationQueue_; }
@@ -66,8 +66,7 @@ class NKHTTPRequestOperationManager {
 
  private:
   std::shared_ptr<NKHTTPRequestOperation> enqueue(std::string_view method, std::string_view URLString,
-                                                  const platform::Value& parameters, Success success,
-                                                  Failure failure);
+                                                  const platform::Value& parameters, Success success, Failure failure);
 
   std::optional<std::string> baseURL_;
   NKOperationQueue operationQueue_;

@@ -37,12 +37,15 @@ std::shared_ptr<DispatchQueue> NKURLConnectionOperation::callbackQueue() const {
 
 bool NKURLConnectionOperation::transitionAllowed(NKOperationState from, NKOperationState to, bool cancelled) {
   switch (from) {
-    case NKOperationPausedState: return to == NKOperationReadyState;
+    case NKOperationPausedState:
+      return to == NKOperationReadyState;
     case NKOperationReadyState:
       return to == NKOperationPausedState || to == NKOperationExecutingState ||
              (to == NKOperationFinishedState && cancelled);
-    case NKOperationExecutingState: return to == NKOperationPausedState || to == NKOperationFinishedState;
-    case NKOperationFinishedState: return false;
+    case NKOperationExecutingState:
+      return to == NKOperationPausedState || to == NKOperationFinishedState;
+    case NKOperationFinishedState:
+      return false;
   }
   return to == NKOperationPausedState || to == NKOperationReadyState || to == NKOperationExecutingState ||
          to == NKOperationFinishedState;
@@ -50,10 +53,14 @@ bool NKURLConnectionOperation::transitionAllowed(NKOperationState from, NKOperat
 
 std::string NKURLConnectionOperation::keyPathForState(NKOperationState state) {
   switch (state) {
-    case NKOperationPausedState: return "isPaused";
-    case NKOperationReadyState: return "isReady";
-    case NKOperationExecutingState: return "isExecuting";
-    case NKOperationFinishedState: return "isFinished";
+    case NKOperationPausedState:
+      return "isPaused";
+    case NKOperationReadyState:
+      return "isReady";
+    case NKOperationExecutingState:
+      return "isExecuting";
+    case NKOperationFinishedState:
+      return "isFinished";
   }
   return "state";
 }
@@ -295,9 +302,8 @@ void NKURLConnectionOperation::finish() {
 
 void NKURLConnectionOperation::postNotification(const char* name) {
   auto self = shared_from_this();
-  DispatchQueue::main()->async([self, name] {
-    platform::NotificationCenter::defaultCenter().post(name, static_cast<const void*>(self.get()));
-  });
+  DispatchQueue::main()->async(
+      [self, name] { platform::NotificationCenter::defaultCenter().post(name, static_cast<const void*>(self.get())); });
 }
 
 }  // namespace quillet::http

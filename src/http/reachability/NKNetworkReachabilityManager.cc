@@ -51,10 +51,14 @@ NKNetworkReachabilityManager::NKNetworkReachabilityStatus NKNetworkReachabilityM
 
 std::string NKNetworkReachabilityManager::stringFromNetworkReachabilityStatus(NKNetworkReachabilityStatus status) {
   switch (status) {
-    case NKNetworkReachabilityStatusNotReachable: return "Not Reachable";
-    case NKNetworkReachabilityStatusReachableViaWWAN: return "Reachable via WWAN";
-    case NKNetworkReachabilityStatusReachableViaWiFi: return "Reachable via WiFi";
-    default: return "Unknown";
+    case NKNetworkReachabilityStatusNotReachable:
+      return "Not Reachable";
+    case NKNetworkReachabilityStatusReachableViaWWAN:
+      return "Reachable via WWAN";
+    case NKNetworkReachabilityStatusReachableViaWiFi:
+      return "Reachable via WiFi";
+    default:
+      return "Unknown";
   }
 }
 

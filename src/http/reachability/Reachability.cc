@@ -81,14 +81,12 @@ Reachability::NetworkStatus Reachability::localWiFiStatusForFlags(ReachabilityFl
 
 std::string Reachability::flagStatusLine(ReachabilityFlags flags, std::string_view comment) {
   auto letter = [flags](ReachabilityFlags bit, char c) { return Value(static_cast<int>((flags & bit) ? c : '-')); };
-  return platform::format("Reachability Flag Status: %c%c %c%c%c%c%c%c%c %s\n",
-                          letter(kReachabilityIsWWAN, 'W'), letter(kReachabilityReachable, 'R'),
-                          letter(kReachabilityTransientConnection, 't'),
-                          letter(kReachabilityConnectionRequired, 'c'),
-                          letter(kReachabilityConnectionOnTraffic, 'C'),
-                          letter(kReachabilityInterventionRequired, 'i'),
-                          letter(kReachabilityConnectionOnDemand, 'D'), letter(kReachabilityIsLocalAddress, 'l'),
-                          letter(kReachabilityIsDirect, 'd'), Value(std::string(comment)));
+  return platform::format("Reachability Flag Status: %c%c %c%c%c%c%c%c%c %s\n", letter(kReachabilityIsWWAN, 'W'),
+                          letter(kReachabilityReachable, 'R'), letter(kReachabilityTransientConnection, 't'),
+                          letter(kReachabilityConnectionRequired, 'c'), letter(kReachabilityConnectionOnTraffic, 'C'),
+                          letter(kReachabilityInterventionRequired, 'i'), letter(kReachabilityConnectionOnDemand, 'D'),
+                          letter(kReachabilityIsLocalAddress, 'l'), letter(kReachabilityIsDirect, 'd'),
+                          Value(std::string(comment)));
 }
 
 }  // namespace quillet::http

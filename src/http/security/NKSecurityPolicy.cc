@@ -113,8 +113,9 @@ bool NKSecurityPolicy::certificateChainIsPinned(NKServerTrust& trust,
   trust.setAnchorCertificates(pinnedCertificates_);
   if (!NKServerTrust::isValidResult(trust.evaluate())) return false;
   if (!validatesCertificateChain) return true;
-  const auto pinned = std::count_if(serverCertificates.begin(), serverCertificates.end(),
-                                    [&](const Bytes& certificate) { return contains(pinnedCertificates_, certificate); });
+  const auto pinned =
+      std::count_if(serverCertificates.begin(), serverCertificates.end(),
+                    [&](const Bytes& certificate) { return contains(pinnedCertificates_, certificate); });
   return !serverCertificates.empty() && static_cast<size_t>(pinned) == serverCertificates.size();
 }
 

@@ -35,27 +35,27 @@ std::set<int> NKHTTPResponseSerializer::defaultStatusCodes() {
 }
 
 bool NKHTTPResponseSerializer::validateResponse(const platform::HttpResponse* response,
-                                                const std::vector<uint8_t>* data,
-                                                std::optional<Error>* error) const {
+                                                const std::vector<uint8_t>* data, std::optional<Error>* error) const {
   if (!response) return true;
   bool valid = true;
   std::optional<Error> validationError;
   const std::string mimeType = response->mimeType();
   if (acceptableContentTypes && acceptableContentTypes->count(mimeType) == 0) {
     if (data && !data->empty() && !response->url.empty()) {
-      validationError = Error(E::kDomain, E::kCannotDecodeContentData,
-                              Value(failureInfo(platform::format("Request failed: unacceptable content-type: %@", mimeType),
-                                                *response, data)));
+      validationError =
+          Error(E::kDomain, E::kCannotDecodeContentData,
+                Value(failureInfo(platform::format("Request failed: unacceptable content-type: %@", mimeType),
+                                  *response, data)));
     }
     valid = false;
   }
   if (acceptableStatusCodes && acceptableStatusCodes->count(response->statusCode) == 0) {
     if (!response->url.empty()) {
-      Value::Dictionary info = failureInfo(
-          platform::format("Request failed: %@ (%ld)",
-                           NKHTTPStatusText::localizedStringForStatusCode(response->statusCode),
-                           static_cast<long>(response->statusCode)),
-          *response, data);
+      Value::Dictionary info =
+          failureInfo(platform::format("Request failed: %@ (%ld)",
+                                       NKHTTPStatusText::localizedStringForStatusCode(response->statusCode),
+                                       static_cast<long>(response->statusCode)),
+                      *response, data);
       if (validationError) info.emplace(E::kUnderlyingErrorKey, E::errorValue(*validationError));
       validationError = Error(E::kDomain, E::kBadServerResponse, Value(std::move(info)));
     }

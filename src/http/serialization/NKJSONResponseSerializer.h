@@ -19,8 +19,7 @@ class NKJSONResponseSerializer : public NKHTTPResponseSerializer {
   // The decoded reply, or nil: for a reply refused by its content type (or
   // any refused reply when `error` is null), no text, the text " ", or
   // empty bytes. A refused status still decodes, with the error set.
-  platform::Value responseObjectForResponse(const platform::HttpResponse* response,
-                                            const std::vector<uint8_t>* data,
+  platform::Value responseObjectForResponse(const platform::HttpResponse* response, const std::vector<uint8_t>* data,
                                             std::optional<platform::Error>* error) const override;
 
   int readingOptions = 0;

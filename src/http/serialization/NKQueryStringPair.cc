@@ -13,7 +13,8 @@ using platform::Value;
 constexpr std::string_view kEscapedDelimiters = ":/?&=;+!@#$()',*";
 
 const std::string& fieldAllowed() {
-  static const std::string allowed = PercentEscape::allowedSet(PercentEscape::kLegacyUrlLegal, kEscapedDelimiters, "[].");
+  static const std::string allowed =
+      PercentEscape::allowedSet(PercentEscape::kLegacyUrlLegal, kEscapedDelimiters, "[].");
   return allowed;
 }
 

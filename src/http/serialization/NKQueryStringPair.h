@@ -23,8 +23,7 @@ class NKQueryStringPair {
 
   // Flattens `value` under `key` (nil at the top): dictionaries by sorted key
   // as "key[sub]", arrays element by element as "key[]", anything else one pair.
-  static std::vector<NKQueryStringPair> pairsFromKeyAndValue(const platform::Value& key,
-                                                             const platform::Value& value);
+  static std::vector<NKQueryStringPair> pairsFromKeyAndValue(const platform::Value& key, const platform::Value& value);
   // The pairs of `parameters`, encoded and joined with "&".
   static std::string queryStringFromParameters(const platform::Value& parameters);
 

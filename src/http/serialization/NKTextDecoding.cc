@@ -24,9 +24,7 @@ Converter openConverter(std::string_view name) {
 
 }  // namespace
 
-bool NKTextDecoding::isKnownEncoding(std::string_view name) {
-  return !name.empty() && openConverter(name) != nullptr;
-}
+bool NKTextDecoding::isKnownEncoding(std::string_view name) { return !name.empty() && openConverter(name) != nullptr; }
 
 NKTextDecoding::Result NKTextDecoding::decode(const std::vector<uint8_t>& bytes, std::string_view encoding) {
   Result result;
@@ -39,9 +37,9 @@ NKTextDecoding::Result NKTextDecoding::decode(const std::vector<uint8_t>& bytes,
 
   std::u16string text(bytes.size() * 2 + 1, u'\0');
   const auto* source = reinterpret_cast<const char*>(bytes.data());
-  int32_t length = ucnv_toUChars(converter.get(), reinterpret_cast<UChar*>(text.data()),
-                                 static_cast<int32_t>(text.size()), source, static_cast<int32_t>(bytes.size()),
-                                 &status);
+  int32_t length =
+      ucnv_toUChars(converter.get(), reinterpret_cast<UChar*>(text.data()), static_cast<int32_t>(text.size()), source,
+                    static_cast<int32_t>(bytes.size()), &status);
   if (U_FAILURE(status)) return result;
   text.resize(static_cast<size_t>(length));
   result.text = text;

@@ -14,7 +14,7 @@ class NKTextDecoding {
   enum class Outcome { Decoded, NotText, NotUTF8 };
   struct Result {
     Outcome outcome = Outcome::NotText;
-    std::string utf8;  // the text, re-encoded as UTF-8, when Decoded
+    std::string utf8;     // the text, re-encoded as UTF-8, when Decoded
     std::u16string text;  // the decoded text, when not NotText
   };
 

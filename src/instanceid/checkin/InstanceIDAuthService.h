@@ -19,13 +19,13 @@ namespace quillet::instanceid {
 // the main queue; the check-in handler runs on the check-in service's queue.
 class InstanceIDAuthService {
  public:
-  using CheckinHandler =
-      std::function<void(std::shared_ptr<InstanceIDCheckinPreferences> preferences, std::optional<platform::Error> error)>;
+  using CheckinHandler = std::function<void(std::shared_ptr<InstanceIDCheckinPreferences> preferences,
+                                            std::optional<platform::Error> error)>;
 
   static constexpr const char* kAuthTokenScope = "iid-all";
 
-  InstanceIDAuthService(std::shared_ptr<InstanceIDCheckinService> checkinService, std::shared_ptr<InstanceIDStore> store,
-                        std::shared_ptr<const InstanceIDEnvironment> env);
+  InstanceIDAuthService(std::shared_ptr<InstanceIDCheckinService> checkinService,
+                        std::shared_ptr<InstanceIDStore> store, std::shared_ptr<const InstanceIDEnvironment> env);
   // Makes the check-in service over `store`.
   InstanceIDAuthService(std::shared_ptr<InstanceIDStore> store, std::shared_ptr<const InstanceIDEnvironment> env);
 

@@ -194,7 +194,8 @@ void InstanceIDCheckinService::handleCheckinResponse(const std::string& body,
     lastCheckin = now;
   }
   const platform::Value::Dictionary plistContents = {
-      {InstanceIDCheckinPreferences::kDeviceDataVersionKey, platform::Value(stringOf(answer, "device_data_version_info"))},
+      {InstanceIDCheckinPreferences::kDeviceDataVersionKey,
+       platform::Value(stringOf(answer, "device_data_version_info"))},
       {InstanceIDCheckinPreferences::kDigestKey, platform::Value(stringOf(answer, "digest"))},
       {InstanceIDCheckinPreferences::kVersionInfoKey, platform::Value(stringOf(answer, "version_info"))},
       {InstanceIDCheckinPreferences::kLastCheckinTimestampKey, platform::Value(static_cast<long long>(lastCheckin))},

@@ -24,8 +24,8 @@ namespace quillet::instanceid {
 // the facade's store, outlives the service). Create with std::make_shared.
 class InstanceIDCheckinService : public std::enable_shared_from_this<InstanceIDCheckinService> {
  public:
-  using CheckinCompletion =
-      std::function<void(std::shared_ptr<InstanceIDCheckinPreferences> preferences, std::optional<platform::Error> error)>;
+  using CheckinCompletion = std::function<void(std::shared_ptr<InstanceIDCheckinPreferences> preferences,
+                                               std::optional<platform::Error> error)>;
   // A replacement transport's answer: status, body, or a transport error.
   using CheckinTestResponder =
       std::function<void(int statusCode, std::string body, std::optional<platform::Error> error)>;

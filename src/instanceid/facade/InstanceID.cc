@@ -26,17 +26,27 @@ constexpr double kCommandDelaySeconds = 2.0;
 
 const char* typeName(const Value& value) {
   switch (value.type()) {
-    case Value::Type::Nil: return "(null)";
-    case Value::Type::Null: return "Null";
-    case Value::Type::Bool: return "Boolean";
+    case Value::Type::Nil:
+      return "(null)";
+    case Value::Type::Null:
+      return "Null";
+    case Value::Type::Bool:
+      return "Boolean";
     case Value::Type::Integer:
-    case Value::Type::Double: return "Number";
-    case Value::Type::String: return "String";
-    case Value::Type::Bytes: return "Data";
-    case Value::Type::Date: return "Date";
-    case Value::Type::Array: return "Array";
-    case Value::Type::Dictionary: return "Dictionary";
-    case Value::Type::Object: return "Object";
+    case Value::Type::Double:
+      return "Number";
+    case Value::Type::String:
+      return "String";
+    case Value::Type::Bytes:
+      return "Data";
+    case Value::Type::Date:
+      return "Date";
+    case Value::Type::Array:
+      return "Array";
+    case Value::Type::Dictionary:
+      return "Dictionary";
+    case Value::Type::Object:
+      return "Object";
   }
   return "Object";
 }
@@ -56,7 +66,8 @@ std::optional<Error> errorIfSet(const Error& error) {
 
 std::shared_ptr<InstanceID> InstanceID::sharedInstance() {
   // Never destroyed: queues may still answer through it while the process exits.
-  static auto* instance = new std::shared_ptr<InstanceID>(std::make_shared<InstanceID>(InstanceIDEnvironment::standard()));
+  static auto* instance =
+      new std::shared_ptr<InstanceID>(std::make_shared<InstanceID>(InstanceIDEnvironment::standard()));
   return *instance;
 }
 
@@ -80,9 +91,7 @@ void InstanceID::startWithConfig(const InstanceIDConfig& config) {
   InstanceIDCommandHandler::setShared(weak_from_this());
 }
 
-bool InstanceID::allowsMissingAPNSToken() const {
-  return config_ && config_->allowMSGRegistrationWithoutAPNSToken;
-}
+bool InstanceID::allowsMissingAPNSToken() const { return config_ && config_->allowMSGRegistrationWithoutAPNSToken; }
 
 // Handlers ---------------------------------------------------------------
 
@@ -170,31 +179,32 @@ void InstanceID::tokenWithAuthorizedEntity(const std::string& authorizedEntity, 
                                                        const std::optional<Error>& error) {
     asyncInvokeGetTokenHandler(handler, token, error);
   };
-  fetchCheckinInfoWithHandler([self = shared_from_this(), authorizedEntity, scope,
-                               options = dictionaryOf(converted), answer](
-                                  std::shared_ptr<InstanceIDCheckinPreferences>, const std::optional<Error>& error) {
-    if (error) {
-      answer(std::nullopt, error);
-      return;
-    }
-    const InstanceIDCachedToken cachedToken = self->tokenManager_->tokenWithAuthorizedEntity(authorizedEntity, scope, options);
-    if (cachedToken.isValid()) {
-      answer(cachedToken.token, std::nullopt);
-      return;
-    }
-    self->asyncLoadKeyPairWithHandler([self, cachedToken, authorizedEntity, scope, options, answer](
-                                          std::shared_ptr<InstanceIDKeyPair> keyPair,
-                                          const std::optional<Error>& keyError) {
-      if (keyError || !keyPair) {
-        answer(std::nullopt, errorWithInstanceIDErrorCode(InstanceIDErrorCodeKeyPairFailure));
-        return;
-      }
-      if (cachedToken.shouldInvalidateAllTokens) {
-        self->tokenManager_->invalidateCachedToken(cachedToken, authorizedEntity, scope, options);
-      }
-      self->tokenManager_->fetchNewTokenWithAuthorizedEntity(authorizedEntity, scope, keyPair, options, answer);
-    });
-  });
+  fetchCheckinInfoWithHandler(
+      [self = shared_from_this(), authorizedEntity, scope, options = dictionaryOf(converted), answer](
+          std::shared_ptr<InstanceIDCheckinPreferences>, const std::optional<Error>& error) {
+        if (error) {
+          answer(std::nullopt, error);
+          return;
+        }
+        const InstanceIDCachedToken cachedToken =
+            self->tokenManager_->tokenWithAuthorizedEntity(authorizedEntity, scope, options);
+        if (cachedToken.isValid()) {
+          answer(cachedToken.token, std::nullopt);
+          return;
+        }
+        self->asyncLoadKeyPairWithHandler(
+            [self, cachedToken, authorizedEntity, scope, options, answer](std::shared_ptr<InstanceIDKeyPair> keyPair,
+                                                                          const std::optional<Error>& keyError) {
+              if (keyError || !keyPair) {
+                answer(std::nullopt, errorWithInstanceIDErrorCode(InstanceIDErrorCodeKeyPairFailure));
+                return;
+              }
+              if (cachedToken.shouldInvalidateAllTokens) {
+                self->tokenManager_->invalidateCachedToken(cachedToken, authorizedEntity, scope, options);
+              }
+              self->tokenManager_->fetchNewTokenWithAuthorizedEntity(authorizedEntity, scope, keyPair, options, answer);
+            });
+      });
 }
 
 void InstanceID::deleteTokenWithAuthorizedEntity(const std::string& authorizedEntity, const std::string& scope,
@@ -224,14 +234,15 @@ void InstanceID::deleteTokenWithAuthorizedEntity(const std::string& authorizedEn
       answer(error);
       return;
     }
-    self->asyncLoadKeyPairWithHandler([self, authorizedEntity, scope, answer](std::shared_ptr<InstanceIDKeyPair> keyPair,
-                                                                              const std::optional<Error>& keyError) {
-      if (keyError || !keyPair) {
-        answer(errorWithInstanceIDErrorCode(InstanceIDErrorCodeKeyPairFailure));
-        return;
-      }
-      self->tokenManager_->deleteTokenWithAuthorizedEntity(authorizedEntity, scope, keyPair, answer);
-    });
+    self->asyncLoadKeyPairWithHandler(
+        [self, authorizedEntity, scope, answer](std::shared_ptr<InstanceIDKeyPair> keyPair,
+                                                const std::optional<Error>& keyError) {
+          if (keyError || !keyPair) {
+            answer(errorWithInstanceIDErrorCode(InstanceIDErrorCodeKeyPairFailure));
+            return;
+          }
+          self->tokenManager_->deleteTokenWithAuthorizedEntity(authorizedEntity, scope, keyPair, answer);
+        });
   });
 }
 
@@ -258,7 +269,8 @@ void InstanceID::deleteIDWithHandler(DeleteHandler handler) {
     return;
   }
   if (!keyPairStore_) {
-    asyncInvokeDeleteIDHandler(std::move(handler), errorWithInstanceIDErrorCode(InstanceIDErrorCodeMissingKeyPairStore));
+    asyncInvokeDeleteIDHandler(std::move(handler),
+                               errorWithInstanceIDErrorCode(InstanceIDErrorCodeMissingKeyPairStore));
     return;
   }
   asyncLoadKeyPairWithHandler([self = shared_from_this(), handler = std::move(handler)](

@@ -77,7 +77,8 @@ std::shared_ptr<InstanceIDKeyPair> InstanceIDKeyPair::generateRSA2048KeyPairWith
     if (error) *error = errorWithInstanceIDErrorCode(status);
     return nullptr;
   }
-  return std::make_shared<InstanceIDKeyPair>(key, key->publicKey(), keyDataWithTag(publicTag, env).value_or(platform::Value::Bytes()),
+  return std::make_shared<InstanceIDKeyPair>(key, key->publicKey(),
+                                             keyDataWithTag(publicTag, env).value_or(platform::Value::Bytes()),
                                              keyDataWithTag(privateTag, env).value_or(platform::Value::Bytes()));
 }
 
@@ -122,8 +123,8 @@ std::optional<InstanceIDKeyPair::KeyRef> InstanceIDKeyPair::cachedKeyRefWithTag(
   const std::optional<platform::KeychainItem> item = keyItemWithTag(tag, env);
   if (!item) return std::nullopt;
   platform::Error parseError;
-  const platform::Value& keyClass = item->attributes.contains("keyClass") ? item->attributes.at("keyClass")
-                                                                          : platform::Value();
+  const platform::Value& keyClass =
+      item->attributes.contains("keyClass") ? item->attributes.at("keyClass") : platform::Value();
   if (keyClass == platform::Value("private")) {
     if (auto key = platform::RsaKeyPair::fromPrivateKeyDer(item->data, &parseError)) return KeyRef(*key);
   } else if (auto key = platform::RsaPublicKey::fromPkcs1Der(item->data, &parseError)) {

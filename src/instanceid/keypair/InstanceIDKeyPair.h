@@ -54,8 +54,7 @@ class InstanceIDKeyPair {
   // Selects the RSA key item of `tag`.
   static platform::KeychainQuery queryDictWithTag(const std::string& tag);
   // The item's bytes; nullopt for an empty tag or no item.
-  static std::optional<platform::Value::Bytes> keyDataWithTag(const std::string& tag,
-                                                               const InstanceIDEnvironment& env);
+  static std::optional<platform::Value::Bytes> keyDataWithTag(const std::string& tag, const InstanceIDEnvironment& env);
   // The item's key; nullopt for an empty tag, no item, or bytes that do not
   // read as a key (logged).
   static std::optional<KeyRef> cachedKeyRefWithTag(const std::string& tag, const InstanceIDEnvironment& env);

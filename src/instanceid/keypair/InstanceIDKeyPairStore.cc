@@ -11,9 +11,7 @@ constexpr const char* kTagPrefix = "com.stikri.iid-";
 // The empty subtype: the only key pair the program uses.
 const std::string kDefaultSubtype;
 
-std::string errorText(const platform::Error* error) {
-  return error ? error->description() : std::string();
-}
+std::string errorText(const platform::Error* error) { return error ? error->description() : std::string(); }
 }  // namespace
 
 InstanceIDKeyPairStore::InstanceIDKeyPairStore(std::shared_ptr<const InstanceIDEnvironment> env)

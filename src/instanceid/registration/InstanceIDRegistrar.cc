@@ -14,8 +14,7 @@ void InstanceIDRegistrar::stopAllRequests() {
   authService_->stopCheckinRequest();
 }
 
-void InstanceIDRegistrar::fetchTokenWithAuthorizedEntity(const std::string& authorizedEntity,
-                                                         const std::string& scope,
+void InstanceIDRegistrar::fetchTokenWithAuthorizedEntity(const std::string& authorizedEntity, const std::string& scope,
                                                          std::shared_ptr<InstanceIDKeyPair> keyPair,
                                                          const platform::Value::Dictionary& options,
                                                          InstanceIDTokenHandler handler) {
@@ -26,8 +25,7 @@ void InstanceIDRegistrar::fetchTokenWithAuthorizedEntity(const std::string& auth
   fetchNewTokenWithAuthorizedEntity(authorizedEntity, scope, std::move(keyPair), options, std::move(handler));
 }
 
-void InstanceIDRegistrar::deleteTokenWithAuthorizedEntity(const std::string& authorizedEntity,
-                                                          const std::string& scope,
+void InstanceIDRegistrar::deleteTokenWithAuthorizedEntity(const std::string& authorizedEntity, const std::string& scope,
                                                           std::shared_ptr<InstanceIDKeyPair> keyPair,
                                                           InstanceIDDeleteHandler handler) {
   if (!authService_->hasValidCheckinInfo()) {
@@ -91,8 +89,8 @@ std::shared_ptr<InstanceIDRegistrationClient> InstanceIDRegistrar::registrationC
 }
 
 void InstanceIDRegistrar::addNewRegistrationClient(std::shared_ptr<InstanceIDRegistrationClient> client) {
-  const std::string key =
-      InstanceIDRegistrationClient::registrationClientKeyWithAuthorizedEntity(client->authorizedEntity(), client->scope());
+  const std::string key = InstanceIDRegistrationClient::registrationClientKeyWithAuthorizedEntity(
+      client->authorizedEntity(), client->scope());
   registrationClientsByKeyMap_[key] = std::move(client);
 }
 

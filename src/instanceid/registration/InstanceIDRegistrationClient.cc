@@ -178,12 +178,12 @@ void InstanceIDRegistrationClient::start(platform::HttpRequest request, platform
   auto running = std::make_shared<std::atomic<bool>>(true);
   running_ = running;
   if (!session_ && !currentTestBlock()) session_ = newSession(*env_);
-  task_ = send(std::move(request), queue_, session_.get(),
-               [running, completion = std::move(completion)](std::optional<HttpResponse> response,
-                                                             std::optional<Error> error) {
-                 running->store(false);
-                 completion(std::move(response), std::move(error));
-               });
+  task_ = send(
+      std::move(request), queue_, session_.get(),
+      [running, completion = std::move(completion)](std::optional<HttpResponse> response, std::optional<Error> error) {
+        running->store(false);
+        completion(std::move(response), std::move(error));
+      });
 }
 
 void InstanceIDRegistrationClient::stopFetching() {
@@ -203,17 +203,17 @@ void InstanceIDRegistrationClient::fetchTokenWithHandler(InstanceIDTokenHandler 
   platform::HttpRequest request = requestWithAuthHeader(HTTPAuthHeaderForAuthorizedEntity(authorizedEntity_), *env_);
   request.headers.add("info", preferences->versionInfo());
   const uint64_t requestID = nextRequestID();
-  std::string body = InstanceIDRegistrationContent::fetchRequestContent(authorizedEntity_, scope_, deviceID, *env_,
-                                                                       requestID);
+  std::string body =
+      InstanceIDRegistrationContent::fetchRequestContent(authorizedEntity_, scope_, deviceID, *env_, requestID);
   body = addPublicKeyContentToRequestBody(body);
   body += InstanceIDRegistrationContent::requestContentSuffixFromOptions(options_);
   request.setBody(body);
 
   FetchContext context{weak_from_this(), authService_, authorizedEntity_, requestID, std::move(handler)};
-  start(std::move(request), [context = std::move(context)](std::optional<HttpResponse> response,
-                                                           std::optional<Error> error) {
-    handleFetchResponse(context, response, error);
-  });
+  start(std::move(request),
+        [context = std::move(context)](std::optional<HttpResponse> response, std::optional<Error> error) {
+          handleFetchResponse(context, response, error);
+        });
 }
 
 void InstanceIDRegistrationClient::handleFetchResponse(const FetchContext& context,
@@ -241,7 +241,8 @@ void InstanceIDRegistrationClient::handleFetchResponse(const FetchContext& conte
   }
   const auto reasons = parsed.find("Error");
   if (reasons != parsed.end() && !reasons->second.empty()) {
-    const std::vector<std::string> words = InstanceIDRegistrationContent::componentsSeparatedByString(reasons->second, ":");
+    const std::vector<std::string> words =
+        InstanceIDRegistrationContent::componentsSeparatedByString(reasons->second, ":");
     const bool phoneRegistrationError =
         std::find(words.begin(), words.end(), "PHONE_REGISTRATION_ERROR") != words.end();
     if (phoneRegistrationError && retryCount().load() < kMaxPhoneRegistrationRetries) {
@@ -267,20 +268,20 @@ void InstanceIDRegistrationClient::parseToken(const std::string& tokenText, cons
   // Everything below runs on the main queue, in this order: the command
   // first, so that a token that arrives with "SYNC" is saved after the
   // local tokens are dropped.
-  platform::DispatchQueue::main()->async([parsed, authToken, authorizedEntity, authService = std::move(authService),
-                                          handler = std::move(handler)] {
-    if (parsed.token) {
-      if (parsed.command == "SYNC") {
-        if (auto commands = InstanceIDCommandHandler::shared()) commands->notifyTokenRefresh();
-      } else if (parsed.command == "RST") {
-        if (auto commands = InstanceIDCommandHandler::shared()) commands->notifyIdentityLost();
-      }
-    }
-    if (parsed.token && !parsed.token->empty() && !authToken.empty() && authService) {
-      authService->saveIIDAuthToken(authToken, authorizedEntity);
-    }
-    if (handler) handler(parsed.token, std::nullopt);
-  });
+  platform::DispatchQueue::main()->async(
+      [parsed, authToken, authorizedEntity, authService = std::move(authService), handler = std::move(handler)] {
+        if (parsed.token) {
+          if (parsed.command == "SYNC") {
+            if (auto commands = InstanceIDCommandHandler::shared()) commands->notifyTokenRefresh();
+          } else if (parsed.command == "RST") {
+            if (auto commands = InstanceIDCommandHandler::shared()) commands->notifyIdentityLost();
+          }
+        }
+        if (parsed.token && !parsed.token->empty() && !authToken.empty() && authService) {
+          authService->saveIIDAuthToken(authToken, authorizedEntity);
+        }
+        if (handler) handler(parsed.token, std::nullopt);
+      });
 }
 
 platform::HttpCompletion InstanceIDRegistrationClient::updateDeleteHandler(InstanceIDDeleteHandler handler) {
@@ -314,10 +315,9 @@ void InstanceIDRegistrationClient::deleteTokenWithHandler(InstanceIDDeleteHandle
   start(std::move(request), updateDeleteHandler(std::move(handler)));
 }
 
-void InstanceIDRegistrationClient::deleteMSGTokenOnAppResetWithDeviceID(const std::string& deviceID,
-                                                                        const std::string& secretToken,
-                                                                        std::shared_ptr<const InstanceIDEnvironment> env,
-                                                                        InstanceIDDeleteHandler handler) {
+void InstanceIDRegistrationClient::deleteMSGTokenOnAppResetWithDeviceID(
+    const std::string& deviceID, const std::string& secretToken, std::shared_ptr<const InstanceIDEnvironment> env,
+    InstanceIDDeleteHandler handler) {
   if (deviceID.empty() || secretToken.empty()) {
     if (handler) handler(errorWithInstanceIDErrorCode(InstanceIDErrorCodeMissingCredential));
     return;
@@ -325,16 +325,15 @@ void InstanceIDRegistrationClient::deleteMSGTokenOnAppResetWithDeviceID(const st
   platform::HttpRequest request =
       requestWithAuthHeader(platform::format("DeviceLogin %@:%@", {Value(deviceID), Value(secretToken)}), *env);
   // The keys of the earlier install are gone: no public key part.
-  request.setBody(InstanceIDRegistrationContent::deleteRequestContentWithDeviceID(deviceID, "MSG", *env,
-                                                                                  nextRequestID()));
+  request.setBody(
+      InstanceIDRegistrationContent::deleteRequestContentWithDeviceID(deviceID, "MSG", *env, nextRequestID()));
   auto queue = platform::DispatchQueue::makeSerial(kSessionQueueLabel);
   // The session lives until its one answer has come; it is let go there.
   auto session = std::make_shared<std::shared_ptr<platform::HttpSession>>();
   if (!currentTestBlock()) *session = newSession(*env);
   platform::HttpCompletion completion = updateDeleteHandler(std::move(handler));
   send(std::move(request), queue, session->get(),
-       [session, completion = std::move(completion)](std::optional<HttpResponse> response,
-                                                     std::optional<Error> error) {
+       [session, completion = std::move(completion)](std::optional<HttpResponse> response, std::optional<Error> error) {
          completion(std::move(response), std::move(error));
          session->reset();
        });

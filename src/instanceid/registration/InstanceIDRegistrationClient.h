@@ -42,7 +42,7 @@ class InstanceIDRegistrationClient : public std::enable_shared_from_this<Instanc
   // fields, the body, or an error.
   using RegistrationTestCompletion =
       std::function<void(int statusCode, const platform::HttpHeaders& headers, const std::string& body,
-                          const std::optional<platform::Error>& error)>;
+                         const std::optional<platform::Error>& error)>;
   using RegistrationTestBlock =
       std::function<void(const platform::HttpRequest& request, RegistrationTestCompletion completion)>;
 
@@ -132,10 +132,10 @@ class InstanceIDRegistrationClient : public std::enable_shared_from_this<Instanc
   std::shared_ptr<InstanceIDKeyPair> keyPair_;
   std::shared_ptr<const InstanceIDEnvironment> env_;
   platform::Value::Dictionary options_;
-  std::shared_ptr<platform::DispatchQueue> queue_;    // where completions run
-  std::shared_ptr<platform::HttpSession> session_;    // made on first use
-  std::shared_ptr<platform::HttpTask> task_;          // the running request, when on a session
-  std::shared_ptr<std::atomic<bool>> running_;        // cleared when the running request completes
+  std::shared_ptr<platform::DispatchQueue> queue_;  // where completions run
+  std::shared_ptr<platform::HttpSession> session_;  // made on first use
+  std::shared_ptr<platform::HttpTask> task_;        // the running request, when on a session
+  std::shared_ptr<std::atomic<bool>> running_;      // cleared when the running request completes
 };
 
 }  // namespace quillet::instanceid

@@ -23,10 +23,10 @@ std::vector<std::string> InstanceIDRegistrationContent::componentsSeparatedByStr
 std::string InstanceIDRegistrationContent::fetchRequestContent(const std::string& authorizedEntity,
                                                                const std::string& scope, const std::string& deviceID,
                                                                const InstanceIDEnvironment& env, uint64_t requestID) {
-  std::string content = platform::format("sender=%@&app=%@&device=%@&app_ver=%@&X-subtype=%@&X-scope=%@&plat=%d&%@=%lu",
-                                         {Value(authorizedEntity), Value(env.bundleIdentifier), Value(deviceID),
-                                          Value(env.appVersion), Value(authorizedEntity), Value(scope), Value(2),
-                                          Value("X-kid"), Value(requestID)});
+  std::string content =
+      platform::format("sender=%@&app=%@&device=%@&app_ver=%@&X-subtype=%@&X-scope=%@&plat=%d&%@=%lu",
+                       {Value(authorizedEntity), Value(env.bundleIdentifier), Value(deviceID), Value(env.appVersion),
+                        Value(authorizedEntity), Value(scope), Value(2), Value("X-kid"), Value(requestID)});
   // The messaging client tells its version only when it is in the program.
   const std::optional<Value> version = platform::ClassRegistry::shared().call("MSGService", "MSGSDKVersion");
   if (version && version->isString() && !version->string().empty()) {
@@ -63,9 +63,8 @@ std::string InstanceIDRegistrationContent::requestContentSuffixFromOptions(const
 std::string InstanceIDRegistrationContent::publicKeyContent(const std::optional<std::string>& appID,
                                                             const std::string& pub2,
                                                             const std::optional<std::string>& signature) {
-  return platform::format("&%@=%@&%@=%@&%@=%@",
-                          {Value("appid"), appID ? Value(*appID) : Value(), Value("pub2"), Value(pub2), Value("sig"),
-                           signature ? Value(*signature) : Value()});
+  return platform::format("&%@=%@&%@=%@&%@=%@", {Value("appid"), appID ? Value(*appID) : Value(), Value("pub2"),
+                                                 Value(pub2), Value("sig"), signature ? Value(*signature) : Value()});
 }
 
 std::map<std::string, std::string> InstanceIDRegistrationContent::parseFetchTokenResponse(const std::string& body) {
@@ -82,7 +81,7 @@ std::map<std::string, std::string> InstanceIDRegistrationContent::parseFetchToke
 }
 
 InstanceIDRegistrationContent::TokenText InstanceIDRegistrationContent::tokenFromTokenText(const std::string& text,
-                                                                                          uint64_t requestID) {
+                                                                                           uint64_t requestID) {
   TokenText result;
   if (text.starts_with("|")) {
     const std::vector<std::string> fields = componentsSeparatedByString(text, "|");

@@ -16,8 +16,7 @@ void fill(platform::Error* error, int32_t status) {
 
 }  // namespace
 
-InstanceIDAuthKeychain::InstanceIDAuthKeychain(std::string identifier,
-                                               std::shared_ptr<const InstanceIDEnvironment> env)
+InstanceIDAuthKeychain::InstanceIDAuthKeychain(std::string identifier, std::shared_ptr<const InstanceIDEnvironment> env)
     : generic_(std::move(identifier)), env_(std::move(env)) {}
 
 platform::KeychainQuery InstanceIDAuthKeychain::keychainQueryForService(const std::string& service,
@@ -44,8 +43,8 @@ std::optional<std::string> InstanceIDAuthKeychain::passwordForService(const std:
     return std::nullopt;
   }
   std::vector<platform::KeychainItem> items;
-  const int32_t status =
-      env_->keychain->copyMatching(keychainQueryForService(service, account), platform::Keychain::MatchLimit::One, &items);
+  const int32_t status = env_->keychain->copyMatching(keychainQueryForService(service, account),
+                                                      platform::Keychain::MatchLimit::One, &items);
   if (status != platform::Keychain::statusSuccess || items.empty()) {
     fill(error, status == platform::Keychain::statusSuccess ? platform::Keychain::statusItemNotFound : status);
     return std::nullopt;

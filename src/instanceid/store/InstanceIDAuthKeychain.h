@@ -36,8 +36,7 @@ class InstanceIDAuthKeychain {
   // Replaces the item: deletes the old one, then adds `password` with
   // `accessibility` (nullopt: readable after first unlock, this device only).
   bool setPassword(const std::string& password, const std::string& service,
-                   const std::optional<std::string>& accessibility, const std::string& account,
-                   platform::Error* error);
+                   const std::optional<std::string>& accessibility, const std::string& account, platform::Error* error);
   // Deletes every item of this `generic`.
   bool removeAllItemsWithError(platform::Error* error);
 

@@ -59,8 +59,7 @@ void InstanceIDCheckinPreferences::updateWithCheckinPlistContents(const platform
 
 void InstanceIDCheckinPreferences::reset() { *this = InstanceIDCheckinPreferences(); }
 
-std::optional<std::string> InstanceIDCheckinPreferences::checkinKeychainContent(const std::string& text,
-                                                                                size_t index) {
+std::optional<std::string> InstanceIDCheckinPreferences::checkinKeychainContent(const std::string& text, size_t index) {
   const size_t bar = text.find('|');
   if (bar == std::string::npos || text.find('|', bar + 1) != std::string::npos || index > 1) return std::nullopt;
   return index == 0 ? text.substr(0, bar) : text.substr(bar + 1);

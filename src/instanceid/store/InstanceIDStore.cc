@@ -85,7 +85,7 @@ void InstanceIDStore::moveTokensToKeychain() {
 }
 
 std::optional<std::string> InstanceIDStore::tokenWithAuthorizedEntity(const std::string& entity,
-                                                                     const std::string& scope) {
+                                                                      const std::string& scope) {
   if (entity.empty() || scope.empty()) return std::nullopt;
   return tokenStore_->tokenWithAuthorizedEntity(entity, scope);
 }
@@ -178,7 +178,9 @@ std::optional<std::string> InstanceIDStore::currentSavedLibraryVersion() const {
   return env_->defaults->stringForKey(kLibraryVersionKey);
 }
 
-bool InstanceIDStore::hasSavedLibraryVersion() const { return !env_->defaults->objectForKey(kLibraryVersionKey).isNil(); }
+bool InstanceIDStore::hasSavedLibraryVersion() const {
+  return !env_->defaults->objectForKey(kLibraryVersionKey).isNil();
+}
 
 std::string InstanceIDStore::tokenPlistFileName() { return kTokenPlistFileName; }
 

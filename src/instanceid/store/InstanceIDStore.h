@@ -35,8 +35,9 @@ class InstanceIDStore : public InstanceIDCheckinCache {
                                                        AppResetTokenDeleter deleter);
   // Runs, in order, resetNewApp, saveLibraryVersion and moveTokensToKeychain.
   InstanceIDStore(std::shared_ptr<InstanceIDBackupExcludedPlist> tokenPlist,
-                  std::shared_ptr<InstanceIDCheckinStore> checkinStore, std::shared_ptr<InstanceIDTokenStore> tokenStore,
-                  std::shared_ptr<const InstanceIDEnvironment> env, AppResetTokenDeleter deleter);
+                  std::shared_ptr<InstanceIDCheckinStore> checkinStore,
+                  std::shared_ptr<InstanceIDTokenStore> tokenStore, std::shared_ptr<const InstanceIDEnvironment> env,
+                  AppResetTokenDeleter deleter);
 
   // Tokens. Empty arguments give nullopt / 0 without a keychain read.
   std::optional<std::string> tokenWithAuthorizedEntity(const std::string& entity, const std::string& scope);

@@ -39,7 +39,7 @@ int64_t InstanceIDTokenStore::cacheTimeForCachedToken(const std::string& cachedT
 }
 
 std::optional<std::string> InstanceIDTokenStore::tokenWithAuthorizedEntity(const std::string& entity,
-                                                                          const std::string& scope) {
+                                                                           const std::string& scope) {
   platform::Error error;
   const auto record = keychain_->passwordForService(scope, entity, &error);
   if (!record) {
@@ -55,7 +55,7 @@ std::optional<std::string> InstanceIDTokenStore::tokenWithAuthorizedEntity(const
 }
 
 int64_t InstanceIDTokenStore::cacheTimeForTokenWithAuthorizedEntity(const std::string& entity,
-                                                                   const std::string& scope) {
+                                                                    const std::string& scope) {
   platform::Error error;
   const auto record = keychain_->passwordForService(scope, entity, &error);
   if (!record) {
@@ -89,8 +89,8 @@ bool InstanceIDTokenStore::removeTokenWithAuthorizedEntity(const std::string& en
   const bool removed = keychain_->removePasswordForService(scope, entity, &local);
   if (error && !local.domain.empty()) *error = local;
   if (removed) {
-    iidLogDebug(platform::format("Successfully removed token from keychain for auth entity: %@ scope: %@", entity,
-                                 scope));
+    iidLogDebug(
+        platform::format("Successfully removed token from keychain for auth entity: %@ scope: %@", entity, scope));
   } else {
     iidLogError(platform::format("Error failed to delete token from Keychain %@", local.description()));
   }

@@ -22,9 +22,15 @@ class InstanceIDLogger {
   void setWriter(std::shared_ptr<InstanceIDLogWriter> writer);
   void setFormatter(std::shared_ptr<InstanceIDLogFormatter> formatter);
 
-  void logFuncDebug(const std::string& func, const std::string& message) { log(func, message, InstanceIDLogLevel::Debug); }
-  void logFuncInfo(const std::string& func, const std::string& message) { log(func, message, InstanceIDLogLevel::Info); }
-  void logFuncError(const std::string& func, const std::string& message) { log(func, message, InstanceIDLogLevel::Error); }
+  void logFuncDebug(const std::string& func, const std::string& message) {
+    log(func, message, InstanceIDLogLevel::Debug);
+  }
+  void logFuncInfo(const std::string& func, const std::string& message) {
+    log(func, message, InstanceIDLogLevel::Info);
+  }
+  void logFuncError(const std::string& func, const std::string& message) {
+    log(func, message, InstanceIDLogLevel::Error);
+  }
   void logFuncAssert(const std::string& func, const std::string& message) {
     log(func, message, InstanceIDLogLevel::Assert);
   }

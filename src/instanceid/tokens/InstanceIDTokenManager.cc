@@ -154,8 +154,8 @@ void InstanceIDTokenManager::deleteTokenWithAuthorizedEntity(const std::string& 
                                                              InstanceIDDeleteHandler handler) {
   if (instanceIDStore_->tokenWithAuthorizedEntity(authorizedEntity, scope)) {
     if (instanceIDStore_->cacheTimeForTokenWithAuthorizedEntity(authorizedEntity, scope) == 0) {
-      iidLogError(platform::format("Invalid 0 cache time for entity: %@, scope: %@",
-                                   {Value(authorizedEntity), Value(scope)}));
+      iidLogError(
+          platform::format("Invalid 0 cache time for entity: %@, scope: %@", {Value(authorizedEntity), Value(scope)}));
     }
     instanceIDStore_->removeCachedTokenWithAuthorizedEntity(authorizedEntity, scope);
   }

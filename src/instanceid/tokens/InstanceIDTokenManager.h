@@ -5,8 +5,8 @@
 #include <string>
 
 #include "instanceid/registration/InstanceIDRegistrar.h"
-#include "instanceid/tokens/InstanceIDCachedToken.h"
 #include "instanceid/support/InstanceIDEnvironment.h"
+#include "instanceid/tokens/InstanceIDCachedToken.h"
 #include "platform/value/Error.h"
 #include "platform/value/Value.h"
 

@@ -17,8 +17,7 @@ int32_t report(platform::Error* error, int32_t status) {
 MSGAuthKeychain::MSGAuthKeychain(std::string identifier, platform::Keychain& keychain)
     : generic_(std::move(identifier)), keychain_(keychain) {}
 
-platform::KeychainQuery MSGAuthKeychain::queryForService(const std::string& service,
-                                                         const std::string& account) const {
+platform::KeychainQuery MSGAuthKeychain::queryForService(const std::string& service, const std::string& account) const {
   platform::KeychainQuery query;
   query.itemClass = platform::KeychainItemClass::GenericPassword;
   query.generic = bytesOf(generic_);
@@ -34,7 +33,8 @@ std::optional<std::string> MSGAuthKeychain::passwordForService(const std::string
     return std::nullopt;
   }
   std::vector<platform::KeychainItem> items;
-  int32_t status = keychain_.copyMatching(queryForService(service, account), platform::Keychain::MatchLimit::One, &items);
+  int32_t status =
+      keychain_.copyMatching(queryForService(service, account), platform::Keychain::MatchLimit::One, &items);
   if (status == platform::Keychain::statusSuccess && items.empty()) status = platform::Keychain::statusItemNotFound;
   if (report(error, status) != platform::Keychain::statusSuccess) return std::nullopt;
   return std::string(items.front().data.begin(), items.front().data.end());

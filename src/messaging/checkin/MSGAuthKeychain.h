@@ -28,8 +28,7 @@ class MSGAuthKeychain {
   // Deletes the old item, then adds `password` (accessibility nullopt:
   // readable after first unlock, this device only).
   bool setPassword(const std::string& password, const std::string& service,
-                   const std::optional<std::string>& accessibility, const std::string& account,
-                   platform::Error* error);
+                   const std::optional<std::string>& accessibility, const std::string& account, platform::Error* error);
 
   const std::string& generic() const { return generic_; }
 

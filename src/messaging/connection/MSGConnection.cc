@@ -82,8 +82,7 @@ void MSGConnection::resetUnconfirmedAcks() {
 
 void MSGConnection::sendLoginRequest(const std::string& authId, const std::string& token) {
   d2sInfos_.clear();  // stream ids do not survive a connection
-  RelayLoginRequest request =
-      MSGLoginRequestBuilder::loginRequest(authId, token, currentNetworkType(), unackedS2dIds_);
+  RelayLoginRequest request = MSGLoginRequestBuilder::loginRequest(authId, token, currentNetworkType(), unackedS2dIds_);
   sendProto(request);
 }
 
@@ -93,8 +92,7 @@ void MSGConnection::sendProto(MSGProtoMessage& proto) {
   if (state_ != required || !socket_) return;
   willSendProto(proto);
   std::string bytes = proto.SerializePartialAsString();
-  socket_->sendData(std::vector<uint8_t>(bytes.begin(), bytes.end()), tag,
-                    MSGUtilities::persistentIdForProto(proto));
+  socket_->sendData(std::vector<uint8_t>(bytes.begin(), bytes.end()), tag, MSGUtilities::persistentIdForProto(proto));
 }
 
 void MSGConnection::willSendProto(MSGProtoMessage& proto) {
@@ -141,17 +139,27 @@ void MSGConnection::secureSocketDidReceiveData(MSGSecureSocket&, std::span<const
   scheduleHeartbeatPing();
   willProcessProto(*proto);
   switch (tag) {
-    case kMSGProtoTagHeartbeatPing: sendHeartbeatAck(); break;
-    case kMSGProtoTagHeartbeatAck: break;
-    case kMSGProtoTagLoginResponse: didReceiveLoginResponse(static_cast<const RelayLoginResponse&>(*proto)); break;
-    case kMSGProtoTagClose: didReceiveClose(); break;
-    case kMSGProtoTagIqStanza: handleIqStanza(static_cast<const RelayIqStanza&>(*proto)); break;
+    case kMSGProtoTagHeartbeatPing:
+      sendHeartbeatAck();
+      break;
+    case kMSGProtoTagHeartbeatAck:
+      break;
+    case kMSGProtoTagLoginResponse:
+      didReceiveLoginResponse(static_cast<const RelayLoginResponse&>(*proto));
+      break;
+    case kMSGProtoTagClose:
+      didReceiveClose();
+      break;
+    case kMSGProtoTagIqStanza:
+      handleIqStanza(static_cast<const RelayIqStanza&>(*proto));
+      break;
     case kMSGProtoTagDataMessageStanza:
       if (auto delegate = delegate_.lock()) {
         delegate->connectionDidRecieveMessage(*this, static_cast<const RelayDataMessageStanza&>(*proto));
       }
       break;
-    default: break;  // unhandled
+    default:
+      break;  // unhandled
   }
 }
 
@@ -215,7 +223,7 @@ void MSGConnection::didReceiveLoginResponse(const RelayLoginResponse& response) 
 void MSGConnection::didReceiveClose() { disconnect(); }
 
 void MSGConnection::handleIqStanza(const RelayIqStanza& stanza) {
-  if (!stanza.has_extension()) return;  // unhandled
+  if (!stanza.has_extension()) return;                              // unhandled
   if (stanza.extension().id_p() == kMSGExtensionStreamAck) return;  // its position is already handled
   if (stanza.extension().id_p() == kMSGExtensionSelectiveAck) didReceiveSelectiveAck(stanza);
 }
@@ -237,8 +245,7 @@ void MSGConnection::sendHeartbeatAck() {
 void MSGConnection::sendHeartbeatPing() {
   runLoop_.cancelPreviousPerformRequests(this, kOpSendHeartbeatPing);
   cancelConnectionTimeoutTask();
-  runLoop_.performAfterDelay(this, kOpConnectionTimedOut, kConnectionTimeoutInterval,
-                             [this] { connectionTimedOut(); });
+  runLoop_.performAfterDelay(this, kOpConnectionTimedOut, kConnectionTimeoutInterval, [this] { connectionTimedOut(); });
   RelayHeartbeatPing ping;
   sendProto(ping);
 }

@@ -29,7 +29,7 @@ class MSGConnection : public MSGSecureSocketDelegate {
  public:
   enum State : uint32_t { kStateDisconnected = 0, kStateConnecting = 1, kStateLoggingIn = 2, kStateSignedIn = 3 };
 
-  static constexpr double kHeartbeatInterval = 30.0;         // ping after a frame
+  static constexpr double kHeartbeatInterval = 30.0;          // ping after a frame
   static constexpr double kConnectionTimeoutInterval = 20.0;  // answer wait after a ping
   static constexpr int32_t kStreamAckThreshold = 10;
 

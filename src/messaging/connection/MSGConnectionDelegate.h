@@ -24,7 +24,8 @@ class MSGConnectionDelegate {
   // A data stanza came.
   virtual void connectionDidRecieveMessage(MSGConnection& connection, const RelayDataMessageStanza& message) = 0;
   // The server confirmed these device-to-server ids; the count of stored messages removed.
-  virtual int32_t connectionDidReceiveAckForRmqIds(MSGConnection& connection, const std::vector<std::string>& rmqIds) = 0;
+  virtual int32_t connectionDidReceiveAckForRmqIds(MSGConnection& connection,
+                                                   const std::vector<std::string>& rmqIds) = 0;
 };
 
 // The part of the data message manager that the connection calls after a

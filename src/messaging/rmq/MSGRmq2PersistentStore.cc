@@ -146,7 +146,8 @@ int64_t MSGRmq2PersistentStore::queryHighestRmqId() { return queryRmqIdFromTable
 int64_t MSGRmq2PersistentStore::queryLastRmqId() { return queryRmqIdFromTable(kTableLastRmqId); }
 
 bool MSGRmq2PersistentStore::updateLastOutgoingRmqId(int64_t rmqId) {
-  auto statement = prepare(fill("INSERT OR REPLACE INTO %@ (%@, %@) VALUES (?, ?)", {kTableLastRmqId, "_id", "rmq_id"}));
+  auto statement =
+      prepare(fill("INSERT OR REPLACE INTO %@ (%@, %@) VALUES (?, ?)", {kTableLastRmqId, "_id", "rmq_id"}));
   if (!statement) return false;
   if (!statement->bindInt64(1, 1) || !statement->bindInt64(2, rmqId) || statement->step() != Step::Done) {
     logErrorAndFinalizeStatement(*statement);
@@ -203,8 +204,8 @@ int MSGRmq2PersistentStore::deleteMessagesFromTable(const std::string& tableName
 }
 
 std::optional<MSGPersistentSyncMessage> MSGRmq2PersistentStore::querySyncMessageWithRmqID(const std::string& rmqID) {
-  auto statement = prepare(fill("SELECT %@ FROM %@ WHERE %@ = '%@'", {"rmq_id, expiration_ts, apns_recv, relay_recv",
-                                                                     kTableSyncMessages, "rmq_id", rmqID}));
+  auto statement = prepare(fill("SELECT %@ FROM %@ WHERE %@ = '%@'",
+                                {"rmq_id, expiration_ts, apns_recv, relay_recv", kTableSyncMessages, "rmq_id", rmqID}));
   if (!statement) return std::nullopt;
   std::optional<MSGPersistentSyncMessage> found;
   while (statement->step() == Step::Row) {
@@ -245,10 +246,9 @@ bool MSGRmq2PersistentStore::saveSyncMessageWithRmqID(const std::string& rmqID, 
   return true;
 }
 
-bool MSGRmq2PersistentStore::updateSyncMessageWithColumn(const char* column, const std::string& rmqID,
-                                                         Error* error) {
-  auto statement = prepare(fill("UPDATE %@ SET %@ = ", {kTableSyncMessages, column}) + "1" +
-                           fill(" WHERE %@ = ?", {"rmq_id"}));
+bool MSGRmq2PersistentStore::updateSyncMessageWithColumn(const char* column, const std::string& rmqID, Error* error) {
+  auto statement =
+      prepare(fill("UPDATE %@ SET %@ = ", {kTableSyncMessages, column}) + "1" + fill(" WHERE %@ = ?", {"rmq_id"}));
   if (!statement || !statement->bindText(1, rmqID) || statement->step() != Step::Done) {
     if (error) *error = syncError(lastErrorCode(), "Failed to update sync message");
     if (statement) logErrorAndFinalizeStatement(*statement);
@@ -278,8 +278,7 @@ int MSGRmq2PersistentStore::lastErrorCode() const {
 }
 
 void MSGRmq2PersistentStore::logError() {
-  platform::Log::writef("%s error: code (%d) message: %s", "MSGRmqStore:", lastErrorCode(),
-                        lastErrorMessage().c_str());
+  platform::Log::writef("%s error: code (%d) message: %s", "MSGRmqStore:", lastErrorCode(), lastErrorMessage().c_str());
 }
 
 void MSGRmq2PersistentStore::logErrorAndFinalizeStatement(SqliteStatement& statement) {

@@ -9,8 +9,8 @@ namespace quillet::messaging {
 
 MSGRmqManager::MSGRmqManager(std::string databaseName, std::shared_ptr<platform::FileSystem> fileSystem,
                              std::shared_ptr<platform::Clock> clock)
-    : rmq2Store_(std::make_unique<MSGRmq2PersistentStore>(std::move(databaseName), std::move(fileSystem),
-                                                          std::move(clock))) {}
+    : rmq2Store_(
+          std::make_unique<MSGRmq2PersistentStore>(std::move(databaseName), std::move(fileSystem), std::move(clock))) {}
 
 void MSGRmqManager::loadRmqId() {
   if (rmqId_ >= 0) return;
@@ -33,11 +33,10 @@ bool MSGRmqManager::saveRmqMessage(MSGProtoMessage& message, platform::Error* er
   return saveMessage(message, rmqId, MSGUtilities::tagForProto(message), error);
 }
 
-bool MSGRmqManager::saveMessage(const MSGProtoMessage& message, int64_t rmqId, int8_t tag,
-                                platform::Error* error) {
+bool MSGRmqManager::saveMessage(const MSGProtoMessage& message, int64_t rmqId, int8_t tag, platform::Error* error) {
   std::string bytes = message.SerializePartialAsString();
-  return rmq2Store_->saveMessageWithRmqId(
-      rmqId, tag, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, error);
+  return rmq2Store_->saveMessageWithRmqId(rmqId, tag, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()},
+                                          error);
 }
 
 bool MSGRmqManager::saveLastOutgoingRmqId(int64_t rmqId) { return rmq2Store_->updateLastOutgoingRmqId(rmqId); }
@@ -63,9 +62,7 @@ void MSGRmqManager::scanWithRmqMessageHandler(const RmqMessageHandler& rmqHandle
   });
 }
 
-int MSGRmqManager::removeRmqMessagesWithRmqId(const std::string& rmqId) {
-  return removeRmqMessagesWithRmqIds({rmqId});
-}
+int MSGRmqManager::removeRmqMessagesWithRmqId(const std::string& rmqId) { return removeRmqMessagesWithRmqIds({rmqId}); }
 
 int MSGRmqManager::removeRmqMessagesWithRmqIds(const std::vector<std::string>& rmqIds) {
   if (rmqIds.empty()) return 0;

@@ -55,8 +55,8 @@ class MSGRmqManager {
   // The de-duplication table.
   std::optional<MSGPersistentSyncMessage> querySyncMessageWithRmqID(const std::string& rmqID);
   int deleteExpiredOrFinishedSyncMessages(platform::Error* error);
-  bool saveSyncMessageWithRmqID(const std::string& rmqID, int64_t expirationTime, bool apnsReceived,
-                                bool relayReceived, platform::Error* error);
+  bool saveSyncMessageWithRmqID(const std::string& rmqID, int64_t expirationTime, bool apnsReceived, bool relayReceived,
+                                platform::Error* error);
   bool updateSyncMessageViaAPNSWithRmqID(const std::string& rmqID, platform::Error* error);
   bool updateSyncMessageViaRelayWithRmqID(const std::string& rmqID, platform::Error* error);
   bool deleteSyncMessageWithRmqID(const std::string& rmqID);

@@ -15,14 +15,22 @@ int8_t MSGUtilities::tagForProto(const MSGProtoMessage& proto) {
 
 std::unique_ptr<MSGProtoMessage> MSGUtilities::protoForTag(int tag) {
   switch (tag) {
-    case kMSGProtoTagHeartbeatPing: return std::make_unique<RelayHeartbeatPing>();
-    case kMSGProtoTagHeartbeatAck: return std::make_unique<RelayHeartbeatAck>();
-    case kMSGProtoTagLoginRequest: return std::make_unique<RelayLoginRequest>();
-    case kMSGProtoTagLoginResponse: return std::make_unique<RelayLoginResponse>();
-    case kMSGProtoTagClose: return std::make_unique<RelayClose>();
-    case kMSGProtoTagIqStanza: return std::make_unique<RelayIqStanza>();
-    case kMSGProtoTagDataMessageStanza: return std::make_unique<RelayDataMessageStanza>();
-    default: return nullptr;
+    case kMSGProtoTagHeartbeatPing:
+      return std::make_unique<RelayHeartbeatPing>();
+    case kMSGProtoTagHeartbeatAck:
+      return std::make_unique<RelayHeartbeatAck>();
+    case kMSGProtoTagLoginRequest:
+      return std::make_unique<RelayLoginRequest>();
+    case kMSGProtoTagLoginResponse:
+      return std::make_unique<RelayLoginResponse>();
+    case kMSGProtoTagClose:
+      return std::make_unique<RelayClose>();
+    case kMSGProtoTagIqStanza:
+      return std::make_unique<RelayIqStanza>();
+    case kMSGProtoTagDataMessageStanza:
+      return std::make_unique<RelayDataMessageStanza>();
+    default:
+      return nullptr;
   }
 }
 

@@ -69,8 +69,7 @@ bool MSGSecureSocket::performRead() {
   }
   if (inputBuffer_.empty()) return false;
   while (stream_ && stream_->hasBytesAvailable()) {
-    ptrdiff_t count =
-        stream_->read(inputBuffer_.data() + inputBufferLength_, inputBuffer_.size() - inputBufferLength_);
+    ptrdiff_t count = stream_->read(inputBuffer_.data() + inputBufferLength_, inputBuffer_.size() - inputBufferLength_);
     if (count < 1) break;
     inputBufferLength_ += static_cast<size_t>(count);
     if (inputBuffer_.size() <= inputBufferLength_) {
@@ -132,7 +131,8 @@ void MSGSecureSocket::performWrite() {
       const auto& body = packet->data();
       const uint32_t tagValue = static_cast<uint32_t>(static_cast<int32_t>(packet->tag()));
       const uint32_t length = static_cast<uint32_t>(body.size());
-      size_t size = MSGCodedOutputStream::VarintSize32(tagValue) + MSGCodedOutputStream::VarintSize32(length) + body.size();
+      size_t size =
+          MSGCodedOutputStream::VarintSize32(tagValue) + MSGCodedOutputStream::VarintSize32(length) + body.size();
       outputBuffer_.resize(size);
       uint8_t* end = MSGCodedOutputStream::WriteVarint32ToArray(tagValue, outputBuffer_.data());
       end = MSGCodedOutputStream::WriteVarint32ToArray(length, end);

@@ -29,8 +29,8 @@ class MSGSecureSocket {
   // Results of frame parsing.
   enum FrameResult { kFrameIncomplete = 1, kFrameError = 2, kFrameComplete = 3 };
 
-  static constexpr size_t kBufferStep = 16384;         // first size and growth step of the input buffer
-  static constexpr size_t kMaxBufferSize = 1048576;    // the input buffer never grows past this
+  static constexpr size_t kBufferStep = 16384;       // first size and growth step of the input buffer
+  static constexpr size_t kMaxBufferSize = 1048576;  // the input buffer never grows past this
 
   // Makes the byte stream for a connection; null means the pair could not be made.
   using StreamFactory = std::function<std::shared_ptr<MSGStream>(platform::RunLoop&)>;

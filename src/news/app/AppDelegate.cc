@@ -162,8 +162,7 @@ void AppDelegate::didReceiveRemoteNotification(platform::Application& applicatio
 }
 
 void AppDelegate::didReceiveRemoteNotificationFetchCompletionHandler(platform::Application& application,
-                                                                     const Value& payload,
-                                                                     std::function<void(int)>) {
+                                                                     const Value& payload, std::function<void(int)>) {
   // The completion is deliberately never called.
   Log::write(platform::format("Notification received: %@", payload));
   services_.msgService->appDidReceiveMessage(payload);

@@ -8,9 +8,9 @@
 #include "news/services/AppServices.h"
 #include "news/services/InstanceIDConfig.h"
 #include "news/services/MSGConfig.h"
+#include "platform/defaults/UserDefaults.h"
 #include "platform/files/FileSystem.h"
 #include "platform/notifications/NotificationCenter.h"
-#include "platform/defaults/UserDefaults.h"
 #include "platform/ui/ApplicationDelegate.h"
 #include "platform/ui/Storyboard.h"
 

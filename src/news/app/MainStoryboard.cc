@@ -12,9 +12,8 @@ namespace quillet::news {
 
 std::shared_ptr<platform::Storyboard> MainStoryboard::make(const AppEnvironment& environment) {
   auto storyboard = std::make_shared<platform::Storyboard>(kMainStoryboardName);
-  storyboard->registerViewController(kSplashScreen, [environment] {
-    return std::make_shared<SplashVC>(*environment.defaults, *environment.runLoop);
-  });
+  storyboard->registerViewController(
+      kSplashScreen, [environment] { return std::make_shared<SplashVC>(*environment.defaults, *environment.runLoop); });
   storyboard->registerViewController(kHomeScreen, [environment] { return std::make_shared<HomeVC>(environment); });
   storyboard->registerViewController(kCategoryScreen,
                                      [environment] { return std::make_shared<CategoryVC>(environment); });

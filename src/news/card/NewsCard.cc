@@ -28,7 +28,8 @@ std::string textOrEmpty(const Value& value) {
 // per thread and made again when the device's locale or time zone changes.
 const platform::DateFormatter* deviceFormatter(const std::string& pattern) {
   thread_local std::map<std::string, std::optional<platform::DateFormatter>> formatters;
-  const std::string key = pattern + "|" + platform::DeviceLocale::localeId() + "|" + platform::DeviceLocale::timeZoneId();
+  const std::string key =
+      pattern + "|" + platform::DeviceLocale::localeId() + "|" + platform::DeviceLocale::timeZoneId();
   auto found = formatters.find(key);
   if (found == formatters.end()) {
     found = formatters.emplace(key, platform::DateFormatter::createForDevice(pattern)).first;

@@ -35,8 +35,8 @@ class NewsCard {
   // `strImageType` "HD" picks "news_image_hd" for pictures; `bookmarkedIDs`
   // is the list of bookmarked ids as text, compared with the item's "id" as
   // the item holds it (a number never equals a text).
-  static NewsCardContent make(const platform::Value& item, const std::string& strMode,
-                              const std::string& strImageType, const platform::Value& bookmarkedIDs);
+  static NewsCardContent make(const platform::Value& item, const std::string& strMode, const std::string& strImageType,
+                              const platform::Value& bookmarkedIDs);
 
   // "01st Jan 2016" for "2016-01-01": the day with its suffix, then month and
   // year, in the device's locale and time zone. A date that does not fit

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <memory>
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <string>
 

@@ -100,8 +100,8 @@ void drawFeed(std::string& out, const Value& feed, int columns) {
     const std::string medium = mediumLine(card["media"]);
     if (!medium.empty()) out.append("\n").append(medium).append("\n");
   }
-  std::string position = platform::format("card %lld of %lld", feed["count"].integerValue() + 1,
-                                          feed["listSize"].integerValue());
+  std::string position =
+      platform::format("card %lld of %lld", feed["count"].integerValue() + 1, feed["listSize"].integerValue());
   if (feed["bookmark"].isBool() && feed["bookmark"].boolValue()) position.append("  (bookmarked)");
   out.append(position).append("\n");
   drawPanel(out, "Menu", feed["menu"], columns);
@@ -145,7 +145,8 @@ void drawScreen(std::string& out, const Value& outlets, int columns) {
   for (const auto& [name, view] : outlets.dictionaryItems()) {
     const std::string kind = text(view["kind"]);
     if (view["hidden"].boolValue() || (!view["alpha"].isNil() && view["alpha"].doubleValue() <= 0.01)) continue;
-    if (kind == "textField" || kind == "textView") appendWrapped(out, tagged("[", name).append("] ").append(text(view["text"])), columns);
+    if (kind == "textField" || kind == "textView")
+      appendWrapped(out, tagged("[", name).append("] ").append(text(view["text"])), columns);
     if (kind == "webView") appendWrapped(out, tagged("[page] ", text(view["url"])), columns);
     if (kind == "progressHUD") appendWrapped(out, tagged("[", text(view["labelText"])).append("]"), columns);
   }

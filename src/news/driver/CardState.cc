@@ -18,7 +18,8 @@ Value medium(HomeOutlets& o) {
     return image;
   }
   if (!o.videoView->isHidden()) {
-    return Value::dictionary({{"kind", Value("video")}, {"thumbnailHidden", Value(o.imgThumbnailVideo->isHidden())},
+    return Value::dictionary({{"kind", Value("video")},
+                              {"thumbnailHidden", Value(o.imgThumbnailVideo->isHidden())},
                               {"playing", Value(o.videoPlayerView->superview() != nullptr)}});
   }
   if (!o.playerView->isHidden()) {

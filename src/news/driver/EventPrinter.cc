@@ -13,9 +13,11 @@ namespace {
 // JSON for `value`; values JSON cannot hold (bytes, dates) are written by their "%@" text.
 Value encodable(const Value& value) {
   switch (value.type()) {
-    case Value::Type::Nil: return Value::null();
+    case Value::Type::Nil:
+      return Value::null();
     case Value::Type::Bytes:
-    case Value::Type::Date: return Value(value.description());
+    case Value::Type::Date:
+      return Value(value.description());
     case Value::Type::Double: {
       platform::Error error;
       if (platform::jsonEncode(Value::array({value}), false, &error).empty()) return Value(value.description());
@@ -31,7 +33,8 @@ Value encodable(const Value& value) {
       for (const auto& [key, item] : value.dictionaryItems()) items[key] = encodable(item);
       return Value(std::move(items));
     }
-    default: return value;
+    default:
+      return value;
   }
 }
 

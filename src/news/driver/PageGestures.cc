@@ -69,9 +69,9 @@ bool PageGestures::pageEvent(const std::string& argument, platform::Error* error
   auto screen = application_.window().topScreen();
   auto webView = screen ? visibleWebView(screen->view()) : nullptr;
   if (!webView) return fail(error, "no web view is on show");
-  const std::string url = data.empty() ? platform::format("%@://%@", InlinePlayerView::kCallbackScheme, host)
-                                       : platform::format("%@://%@?data=%@", InlinePlayerView::kCallbackScheme,
-                                                          host, data);
+  const std::string url = data.empty()
+                              ? platform::format("%@://%@", InlinePlayerView::kCallbackScheme, host)
+                              : platform::format("%@://%@?data=%@", InlinePlayerView::kCallbackScheme, host, data);
   webView->navigate(url, platform::WebNavigationType::Other);
   return true;
 }

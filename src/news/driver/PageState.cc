@@ -21,8 +21,8 @@ std::string textOf(const platform::ViewController& screen, std::string_view outl
 }
 
 Value fullStory(FullStoryVC& page) {
-  Value out = Value::dictionary({{"url", Value(page.webView()->url())},
-                                 {"loading", Value(page.webView()->isLoading())}});
+  Value out =
+      Value::dictionary({{"url", Value(page.webView()->url())}, {"loading", Value(page.webView()->isLoading())}});
   if (const auto& hud = page.HUD()) {
     out.set("overlay", Value::dictionary({{"shown", Value(hud->isShown() && !hud->isHidden())},
                                           {"labelText", Value(hud->labelText())}}));

@@ -18,7 +18,7 @@ struct PhoneOptions {
   double screenWidth = 375;      // the phone's screen in points, and its scale
   double screenHeight = 667;
   double screenScale = 2;
-  double startWallSeconds = 0;   // virtual clock: the wall time it starts at (0: the clock's default)
+  double startWallSeconds = 0;  // virtual clock: the wall time it starts at (0: the clock's default)
   // Instance ID: where check-in and token registration answer, the PEM file
   // of the authorities to trust for them ("" = the system's store), and the
   // messaging sender the shell asks tokens for ("" = none configured).

@@ -8,15 +8,15 @@
 #include <thread>
 #include <utility>
 
+#include "http/serialization/NKAppInfo.h"
+#include "instanceid/support/InstanceIDEnvironment.h"
 #include "news/app/AppKeys.h"
 #include "news/app/MainStoryboard.h"
-#include "instanceid/support/InstanceIDEnvironment.h"
-#include "http/serialization/NKAppInfo.h"
-#include "news/services/InstanceIDBridge.h"
 #include "news/driver/CardState.h"
 #include "news/driver/PageGestures.h"
 #include "news/driver/PageState.h"
 #include "news/driver/ReaderGestures.h"
+#include "news/services/InstanceIDBridge.h"
 #include "news/store/NewsDatabaseFile.h"
 #include "news/support/ToastView.h"
 #include "platform/log/Log.h"
@@ -70,9 +70,9 @@ std::optional<Value::Bytes> hexBytes(const std::string& text) {
 
 PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
     : options_(std::move(options)), printer_(out, options_.json) {
-  fileSystem_ = std::make_shared<platform::FileSystem>(
-      platform::FileSystem::defaultRoot(options_.dataDirectory.string()),
-      platform::FileSystem::Options{NewsDatabaseFile::builtResourceDirectory()});
+  fileSystem_ =
+      std::make_shared<platform::FileSystem>(platform::FileSystem::defaultRoot(options_.dataDirectory.string()),
+                                             platform::FileSystem::Options{NewsDatabaseFile::builtResourceDirectory()});
   platform::FileSystem::setStandard(fileSystem_);
   defaults_ = std::make_unique<platform::UserDefaults>(*fileSystem_, platform::UserDefaults::standardDomain);
 
@@ -107,9 +107,9 @@ PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
   application_ = std::make_shared<platform::Application>(events);
   platform::Application::setSharedApplication(application_);
 
-  appDelegate_ = std::make_shared<AppDelegate>(makeServices(clock), fileSystem_, *defaults_,
-                                               platform::NotificationCenter::defaultCenter(),
-                                               MainStoryboard::make(AppEnvironment{defaults_.get(), loop_.get(), fileSystem_}));
+  appDelegate_ = std::make_shared<AppDelegate>(
+      makeServices(clock), fileSystem_, *defaults_, platform::NotificationCenter::defaultCenter(),
+      MainStoryboard::make(AppEnvironment{defaults_.get(), loop_.get(), fileSystem_}));
   application_->setDelegate(appDelegate_);
   Webmanager::sharedObject().setAPIBase(options_.apiBase);
   setNetwork(options_.network, false);

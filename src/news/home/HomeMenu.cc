@@ -153,7 +153,7 @@ int HomeMenu::numberOfRowsInSection(platform::TableView&, int) {
 }
 
 std::shared_ptr<platform::TableViewCell> HomeMenu::cellForRowAtIndexPath(platform::TableView& tableView,
-                                                                        const platform::IndexPath& indexPath) {
+                                                                         const platform::IndexPath& indexPath) {
   const size_t row = static_cast<size_t>(indexPath.row);
   if (strSETTableType_ == "Menu") {
     auto cell = std::dynamic_pointer_cast<HomeMenuTableViewCell>(

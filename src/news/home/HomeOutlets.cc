@@ -19,8 +19,9 @@ std::shared_ptr<T> place(platform::ViewController& screen, const std::shared_ptr
   return view;
 }
 
-std::shared_ptr<platform::Button> button(platform::ViewController& screen, const std::shared_ptr<platform::View>& parent,
-                                         const char* name, const char* title) {
+std::shared_ptr<platform::Button> button(platform::ViewController& screen,
+                                         const std::shared_ptr<platform::View>& parent, const char* name,
+                                         const char* title) {
   auto made = place<platform::Button>(screen, parent, name);
   made->setTitle(title);
   return made;
@@ -114,7 +115,8 @@ void HomeOutlets::layOut(double w, double h) {
   const double cardHeight = h - kBar - kButtons;
   const double media = w * 0.6;
   swipeView->setFrame(Rect{0, kBar, w, cardHeight});
-  for (platform::View* area : {static_cast<platform::View*>(imgNews.get()), videoView.get(), static_cast<platform::View*>(playerView.get())}) {
+  for (platform::View* area :
+       {static_cast<platform::View*>(imgNews.get()), videoView.get(), static_cast<platform::View*>(playerView.get())}) {
     area->setFrame(Rect{0, 0, w, media});
   }
   imgThumbnailVideo->setFrame(Rect{0, 0, w, media});

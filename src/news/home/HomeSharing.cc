@@ -120,7 +120,8 @@ void HomeSharing::shareToChatApp() {
                                : std::nullopt;
   if (!jpeg || !platform::AtomicFile::write(
                    path, std::string_view(reinterpret_cast<const char*>(jpeg->data()), jpeg->size()), &error)) {
-    platform::Log::write(platform::format("share: the screenshot was not written to %@: %@", platform::Value(path.string()),
+    platform::Log::write(platform::format("share: the screenshot was not written to %@: %@",
+                                          platform::Value(path.string()),
                                           platform::Value(error.localizedDescription())));
   }
 

@@ -77,7 +77,8 @@ void HomeVC::viewDidLoad() {
   menu_->connectSwitches();
   menu_->buildSettingsList();
   o.swipeView->addSwipeHandler(platform::SwipeDirection::Left, [this] { handleSwipe(platform::SwipeDirection::Left); });
-  o.swipeView->addSwipeHandler(platform::SwipeDirection::Right, [this] { handleSwipe(platform::SwipeDirection::Right); });
+  o.swipeView->addSwipeHandler(platform::SwipeDirection::Right,
+                               [this] { handleSwipe(platform::SwipeDirection::Right); });
   o.menuView->setHidden(true);
   o.optionView->setHidden(true);  // the panel's state in the screen's resource
 

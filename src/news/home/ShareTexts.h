@@ -11,9 +11,11 @@ namespace quillet::news::ShareTexts {
 
 inline constexpr const char* kShareSheetText = "QuilletNews App";
 inline constexpr std::array<const char*, 9> kExcludedActivityTypes = {
-    "UIActivityTypePostToWeibo",      "UIActivityTypePrint",         "UIActivityTypeCopyToPasteboard",
-    "UIActivityTypeSaveToCameraRoll", "UIActivityTypeAddToReadingList", "UIActivityTypePostToFlickr",
-    "UIActivityTypePostToVimeo",      "UIActivityTypePostToTencentWeibo", "UIActivityTypeAirDrop"};
+    "UIActivityTypePostToWeibo",      "UIActivityTypePrint",
+    "UIActivityTypeCopyToPasteboard", "UIActivityTypeSaveToCameraRoll",
+    "UIActivityTypeAddToReadingList", "UIActivityTypePostToFlickr",
+    "UIActivityTypePostToVimeo",      "UIActivityTypePostToTencentWeibo",
+    "UIActivityTypeAirDrop"};
 
 // Tag 1: the social composer.
 inline constexpr const char* kSocialLogLine = "hike";

@@ -29,7 +29,8 @@ constexpr double kCrossFadeSeconds = 0.3;
 
 }  // namespace
 
-CategoryVC::CategoryVC(AppEnvironment environment) : ViewController(kCategoryScreen), environment_(std::move(environment)) {
+CategoryVC::CategoryVC(AppEnvironment environment)
+    : ViewController(kCategoryScreen), environment_(std::move(environment)) {
   setTitle("Choose Categories");
   lblTitle_ = std::make_shared<platform::Label>("lblTitle");
   lblTitle_->setText("Choose your favourite categories");
@@ -93,7 +94,7 @@ void CategoryVC::showCategoryFail(const Value&) {}
 int CategoryVC::numberOfRowsInSection(platform::TableView&, int) { return static_cast<int>(arrCategoryName_.count()); }
 
 std::shared_ptr<platform::TableViewCell> CategoryVC::cellForRowAtIndexPath(platform::TableView& tableView,
-                                                                          const platform::IndexPath& indexPath) {
+                                                                           const platform::IndexPath& indexPath) {
   auto cell = std::dynamic_pointer_cast<CategoryTableViewCell>(
       tableView.dequeueReusableCellWithIdentifier(CategoryTableViewCell::kIdentifier));
   if (!cell) cell = std::make_shared<CategoryTableViewCell>();
@@ -133,9 +134,8 @@ void CategoryVC::btnNext() {
   favCategory.pop_back();
   Webmanager::sharedObject().sendRequestWithUrl(
       "addUser",
-      Value::dictionary({{"device_id", Value(deviceID)},
-                         {"device_token", Value(deviceToken)},
-                         {"fav_category", Value(favCategory)}}),
+      Value::dictionary(
+          {{"device_id", Value(deviceID)}, {"device_token", Value(deviceToken)}, {"fav_category", Value(favCategory)}}),
       requestDelegate(), kAddUserSuccess, kAddUserFail);
 }
 

@@ -22,9 +22,7 @@ namespace quillet::news {
 //
 // Made by the storyboard with std::make_shared; requests hold it until they
 // answer. Main thread only.
-class CategoryVC : public platform::ViewController,
-                   public WebmanagerDelegate,
-                   public platform::TableViewDataSource {
+class CategoryVC : public platform::ViewController, public WebmanagerDelegate, public platform::TableViewDataSource {
  public:
   static constexpr int kVisibleRows = 7;
 

@@ -59,8 +59,8 @@ void FeedbackViewController::viewDidLoad() {
 
   auto began = [this](platform::TextInput& input) { textDidBeginEditing(input); };
   auto ended = [this](platform::TextInput& input) { textDidEndEditing(input); };
-  for (platform::TextInput* input : {static_cast<platform::TextInput*>(txtEmail_.get()),
-                                     static_cast<platform::TextInput*>(txtMessage_.get())}) {
+  for (platform::TextInput* input :
+       {static_cast<platform::TextInput*>(txtEmail_.get()), static_cast<platform::TextInput*>(txtMessage_.get())}) {
     input->setDidBeginEditing(began);
     input->setDidEndEditing(ended);
   }

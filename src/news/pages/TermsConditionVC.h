@@ -46,7 +46,7 @@ class TermsConditionVC : public platform::ViewController, public WebmanagerDeleg
   std::shared_ptr<platform::Label> lblTitle_;
   std::shared_ptr<platform::TextView> txtDetails_;
   std::shared_ptr<platform::Button> btnBack_;
-  platform::Value arrDetails_;   // made at load, not used
+  platform::Value arrDetails_;  // made at load, not used
   platform::Value parameter_;
   platform::Value strSETTitle_;  // nil until the caller gives one
 };

@@ -17,9 +17,8 @@ using platform::Value;
 
 // "player.<operation>(<arguments>)[.toString()];", the form of every script the player view sends.
 const platform::RegularExpression& scriptExpression() {
-  static const auto* expression = new platform::RegularExpression(
-      *platform::RegularExpression::create(R"(^player\.([A-Za-z]+)\((.*)\)(\.toString\(\))?;$)",
-                                           platform::RegularExpression::kDotMatchesLineSeparators));
+  static const auto* expression = new platform::RegularExpression(*platform::RegularExpression::create(
+      R"(^player\.([A-Za-z]+)\((.*)\)(\.toString\(\))?;$)", platform::RegularExpression::kDotMatchesLineSeparators));
   return *expression;
 }
 
@@ -169,8 +168,7 @@ void InlinePlayerPage::cue(const std::string& videoId, const Value& startSeconds
   setState(PlayerState::Queued);
 }
 
-void InlinePlayerPage::cueList(const Value& list, const Value& index, const Value& startSeconds,
-                               const Value& quality) {
+void InlinePlayerPage::cueList(const Value& list, const Value& index, const Value& startSeconds, const Value& quality) {
   std::vector<std::string> ids;
   for (const auto& id : list.isArray() ? list.arrayItems() : Value::Array{}) {
     if (id.isString()) ids.push_back(id.string());

@@ -48,8 +48,8 @@ bool InlinePlayerTemplate::read(const std::filesystem::path& resourceDirectory, 
     if (!readFile(path, &content)) continue;
     if (!isUTF8(content)) {
       if (error) {
-        *error = fileError(261, path,
-                           platform::format("The file “%@” couldn’t be opened using text encoding Unicode (UTF-8).", file));
+        *error = fileError(
+            261, path, platform::format("The file “%@” couldn’t be opened using text encoding Unicode (UTF-8).", file));
       }
       return false;
     }

@@ -68,24 +68,36 @@ PlayerError playerErrorForString(const platform::Value& text) { return lookUp(kE
 
 std::string playerStateName(PlayerState state) {
   switch (state) {
-    case PlayerState::Unstarted: return "unstarted";
-    case PlayerState::Ended: return "ended";
-    case PlayerState::Playing: return "playing";
-    case PlayerState::Paused: return "paused";
-    case PlayerState::Buffering: return "buffering";
-    case PlayerState::Queued: return "queued";
-    case PlayerState::Unknown: break;
+    case PlayerState::Unstarted:
+      return "unstarted";
+    case PlayerState::Ended:
+      return "ended";
+    case PlayerState::Playing:
+      return "playing";
+    case PlayerState::Paused:
+      return "paused";
+    case PlayerState::Buffering:
+      return "buffering";
+    case PlayerState::Queued:
+      return "queued";
+    case PlayerState::Unknown:
+      break;
   }
   return "unknown";
 }
 
 std::string playerErrorName(PlayerError error) {
   switch (error) {
-    case PlayerError::InvalidParam: return "invalidParam";
-    case PlayerError::HTML5Error: return "html5Error";
-    case PlayerError::VideoNotFound: return "videoNotFound";
-    case PlayerError::NotEmbeddable: return "notEmbeddable";
-    case PlayerError::Unknown: break;
+    case PlayerError::InvalidParam:
+      return "invalidParam";
+    case PlayerError::HTML5Error:
+      return "html5Error";
+    case PlayerError::VideoNotFound:
+      return "videoNotFound";
+    case PlayerError::NotEmbeddable:
+      return "notEmbeddable";
+    case PlayerError::Unknown:
+      break;
   }
   return "unknown";
 }

@@ -1,7 +1,7 @@
 #include "news/player/InlinePlayerView.h"
 
-#include <array>
 #include <strings.h>
+#include <array>
 
 #include "news/player/InlinePlayerPage.h"
 #include "news/player/InlinePlayerTemplate.h"
@@ -159,8 +159,7 @@ void InlinePlayerView::seekToSeconds(double seconds, bool allowSeekAhead) {
   runScript(platform::format("player.seekTo(%@, %@);", seconds, stringForJSBoolean(allowSeekAhead)));
 }
 
-void InlinePlayerView::cueVideoById(const std::string& videoId, double startSeconds,
-                                    PlaybackQuality suggestedQuality) {
+void InlinePlayerView::cueVideoById(const std::string& videoId, double startSeconds, PlaybackQuality suggestedQuality) {
   runScript(platform::format("player.cueVideoById('%@', %@, '%@');", videoId, startSeconds,
                              stringForPlaybackQuality(suggestedQuality)));
 }
@@ -193,8 +192,8 @@ void InlinePlayerView::cueVideoByURL(const std::string& videoURL, double startSe
 
 void InlinePlayerView::cueVideoByURL(const std::string& videoURL, double startSeconds, double endSeconds,
                                      PlaybackQuality suggestedQuality) {
-  runScript(platform::format("player.cueVideoByUrl('%@', %@, %@, '%@');", videoURL, startSeconds,
-                             endSeconds, stringForPlaybackQuality(suggestedQuality)));
+  runScript(platform::format("player.cueVideoByUrl('%@', %@, %@, '%@');", videoURL, startSeconds, endSeconds,
+                             stringForPlaybackQuality(suggestedQuality)));
 }
 
 void InlinePlayerView::loadVideoByURL(const std::string& videoURL, double startSeconds,
@@ -205,8 +204,8 @@ void InlinePlayerView::loadVideoByURL(const std::string& videoURL, double startS
 
 void InlinePlayerView::loadVideoByURL(const std::string& videoURL, double startSeconds, double endSeconds,
                                       PlaybackQuality suggestedQuality) {
-  runScript(platform::format("player.loadVideoByUrl('%@', %@, %@, '%@');", videoURL, startSeconds,
-                             endSeconds, stringForPlaybackQuality(suggestedQuality)));
+  runScript(platform::format("player.loadVideoByUrl('%@', %@, %@, '%@');", videoURL, startSeconds, endSeconds,
+                             stringForPlaybackQuality(suggestedQuality)));
 }
 
 void InlinePlayerView::cuePlaylist(const std::string& playlist, int index, double startSeconds,
@@ -377,8 +376,7 @@ bool InlinePlayerView::handleHttpNavigationToUrl(const std::string& url) {
   return false;
 }
 
-bool InlinePlayerView::webViewShouldStartLoad(platform::WebView&, const std::string& url,
-                                              platform::WebNavigationType) {
+bool InlinePlayerView::webViewShouldStartLoad(platform::WebView&, const std::string& url, platform::WebNavigationType) {
   auto parsed = platform::Url::parse(url);
   if (!parsed) return true;
   auto origin = platform::Url::parse(originURL_);

@@ -18,8 +18,8 @@ void UnconfiguredInstanceID::startWithConfig(const InstanceIDConfig&) {
   platform::Log::write("InstanceID: not configured; instance ID does not start");
 }
 
-void UnconfiguredInstanceID::tokenWithAuthorizedEntity(const std::string&, const std::string&,
-                                                       const platform::Value&, TokenHandler handler) {
+void UnconfiguredInstanceID::tokenWithAuthorizedEntity(const std::string&, const std::string&, const platform::Value&,
+                                                       TokenHandler handler) {
   platform::Log::write("InstanceID: not configured; no token");
   if (handler) handler(std::nullopt, serviceError(kInstanceIDErrorDomain, 1, "Instance ID is not configured."));
 }

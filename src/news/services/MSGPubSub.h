@@ -20,8 +20,8 @@ class MSGPubSub {
   static std::shared_ptr<MSGPubSub> sharedInstance();
   static void setSharedInstance(std::shared_ptr<MSGPubSub> pubSub);
 
-  virtual void subscribeWithToken(const std::string& token, const std::string& topic,
-                                  const platform::Value& options, ErrorHandler handler) = 0;
+  virtual void subscribeWithToken(const std::string& token, const std::string& topic, const platform::Value& options,
+                                  ErrorHandler handler) = 0;
 };
 
 // No messaging configured: logs one line and fails with a "com.stikri.msg" error.

@@ -10,12 +10,12 @@ namespace quillet::news {
 
 namespace {
 
-constexpr std::array<const char*, 9> kWeights = {"UltraLight", "Thin",     "Light", "Regular", "Medium",
-                                                 "Semibold",   "Bold",     "Heavy", "Black"};
+constexpr std::array<const char*, 9> kWeights = {"UltraLight", "Thin", "Light", "Regular", "Medium",
+                                                 "Semibold",   "Bold", "Heavy", "Black"};
 constexpr int kFirstWeightStyle = 5;
 
-constexpr std::array<const char*, 5> kCustomFonts = {"Roboto-Black", "Roboto-Bold", "Roboto-Light",
-                                                     "Roboto-Medium", "Roboto-Regular"};
+constexpr std::array<const char*, 5> kCustomFonts = {"Roboto-Black", "Roboto-Bold", "Roboto-Light", "Roboto-Medium",
+                                                     "Roboto-Regular"};
 
 }  // namespace
 

@@ -76,9 +76,7 @@ void ToastView::nextToastInView(const std::shared_ptr<platform::View>& parent) {
   platform::Application::sharedApplication().events()->emit(platform::UiEvent::toast(toast->textLabel_->text()));
   platform::ViewAnimation::animateWithDuration(
       kFadeInSeconds, [toast] { toast->setAlpha(1); },
-      [toast](bool) {
-        platform::RunLoop::main().schedule(kShownSeconds, [toast] { toast->fadeToastOut(); });
-      });
+      [toast](bool) { platform::RunLoop::main().schedule(kShownSeconds, [toast] { toast->fadeToastOut(); }); });
 }
 
 void ToastView::fadeToastOut() {

@@ -6,13 +6,9 @@
 
 namespace quillet::platform {
 
-int64_t Clock::wallWholeSeconds() const {
-  return static_cast<int64_t>(std::floor(wallSeconds()));
-}
+int64_t Clock::wallWholeSeconds() const { return static_cast<int64_t>(std::floor(wallSeconds())); }
 
-int64_t Clock::wallMilliseconds() const {
-  return static_cast<int64_t>(std::floor(wallSeconds() * 1000.0));
-}
+int64_t Clock::wallMilliseconds() const { return static_cast<int64_t>(std::floor(wallSeconds() * 1000.0)); }
 
 std::shared_ptr<Clock> Clock::system() {
   static const std::shared_ptr<Clock> clock = std::make_shared<SystemClock>();
@@ -29,8 +25,7 @@ double SystemClock::monotonicSeconds() const {
   return duration<double>(steady_clock::now().time_since_epoch()).count();
 }
 
-ManualClock::ManualClock(double wallStart, double monotonicStart)
-    : wall_(wallStart), monotonic_(monotonicStart) {}
+ManualClock::ManualClock(double wallStart, double monotonicStart) : wall_(wallStart), monotonic_(monotonicStart) {}
 
 double ManualClock::wallSeconds() const {
   std::lock_guard lock(mutex_);

@@ -15,8 +15,7 @@ class Base64 {
  public:
   // `lineLength` 0 gives one line; 64 or 76 break the text after every that
   // many characters with `lineEnding` (none after the last line).
-  static std::string encode(std::span<const uint8_t> data, size_t lineLength = 0,
-                            std::string_view lineEnding = "\r\n");
+  static std::string encode(std::span<const uint8_t> data, size_t lineLength = 0, std::string_view lineEnding = "\r\n");
   static std::string encode(std::string_view data, size_t lineLength = 0, std::string_view lineEnding = "\r\n") {
     return encode(std::span(reinterpret_cast<const uint8_t*>(data.data()), data.size()), lineLength, lineEnding);
   }

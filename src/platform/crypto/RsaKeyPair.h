@@ -36,8 +36,7 @@ class RsaKeyPair {
   // number, i.e. zero-filled on the left. Input longer than a block, or a
   // number not below the modulus, gives nullopt and the error. The result
   // always has blockSize() bytes.
-  std::optional<std::vector<uint8_t>> rawPrivateOperation(std::span<const uint8_t> input,
-                                                          Error* error = nullptr) const;
+  std::optional<std::vector<uint8_t>> rawPrivateOperation(std::span<const uint8_t> input, Error* error = nullptr) const;
 
  private:
   explicit RsaKeyPair(std::shared_ptr<EVP_PKEY> key) : key_(std::move(key)) {}

@@ -29,8 +29,7 @@ class RsaPublicKey {
 
   // The raw public-key operation (s^e mod n) on one block of exactly
   // blockSize() bytes: undoes RsaKeyPair::rawPrivateOperation.
-  std::optional<std::vector<uint8_t>> rawPublicOperation(std::span<const uint8_t> block,
-                                                         Error* error = nullptr) const;
+  std::optional<std::vector<uint8_t>> rawPublicOperation(std::span<const uint8_t> block, Error* error = nullptr) const;
 
  private:
   friend class RsaKeyPair;

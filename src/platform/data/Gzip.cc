@@ -10,7 +10,7 @@
 namespace quillet::platform {
 namespace {
 
-constexpr int kGzipWindowBits = 15 + 16;       // deflate window 32 KiB, gzip wrapper
+constexpr int kGzipWindowBits = 15 + 16;        // deflate window 32 KiB, gzip wrapper
 constexpr int kAutoDetectWindowBits = 15 + 32;  // gzip or zlib, from the header
 constexpr size_t kChunk = 64 * 1024;
 constexpr size_t kMaxInput = 0xFFFFFFFFu;  // zlib counts input in 32 bits

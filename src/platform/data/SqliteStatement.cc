@@ -59,8 +59,8 @@ bool SqliteStatement::bindDouble(int index, double value, Error* error) {
 
 bool SqliteStatement::bindText(int index, std::string_view value, Error* error) {
   if (!ready(error)) return false;
-  return checkBind(sqlite3_bind_text64(stmt_, index, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8),
-                   index, error);
+  return checkBind(sqlite3_bind_text64(stmt_, index, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8), index,
+                   error);
 }
 
 bool SqliteStatement::bindBlob(int index, std::span<const uint8_t> value, Error* error) {

@@ -46,7 +46,9 @@ class UserDefaults {
   // write is logged, keeps the change in memory and returns false.
   bool setObject(const Value& value, const std::string& key);
   bool setString(const std::string& value, const std::string& key) { return setObject(Value(value), key); }
-  bool setInteger(int64_t value, const std::string& key) { return setObject(Value(static_cast<long long>(value)), key); }
+  bool setInteger(int64_t value, const std::string& key) {
+    return setObject(Value(static_cast<long long>(value)), key);
+  }
   bool setBool(bool value, const std::string& key) { return setObject(Value(value), key); }
   bool setDouble(double value, const std::string& key) { return setObject(Value(value), key); }
   bool removeObjectForKey(const std::string& key) { return setObject(Value(), key); }

@@ -44,8 +44,8 @@ std::string recordKey(const fs::path& path) {
 }
 
 bool isWithin(const std::string& key, const std::string& dirKey) {
-  return key == dirKey || (key.size() > dirKey.size() && key.compare(0, dirKey.size(), dirKey) == 0 &&
-                           key[dirKey.size()] == '/');
+  return key == dirKey ||
+         (key.size() > dirKey.size() && key.compare(0, dirKey.size(), dirKey) == 0 && key[dirKey.size()] == '/');
 }
 
 std::set<std::string> readRecord(const fs::path& recordPath) {

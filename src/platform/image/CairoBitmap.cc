@@ -17,7 +17,8 @@ CairoBitmap::Surface CairoBitmap::surfaceFromBitmap(const Bitmap& bitmap) {
   for (int y = 0; y < rgba.height; ++y) {
     auto* row = reinterpret_cast<uint32_t*>(data + static_cast<size_t>(y) * static_cast<size_t>(stride));
     for (int x = 0; x < rgba.width; ++x) {
-      const uint8_t* p = &rgba.pixels[(static_cast<size_t>(y) * static_cast<size_t>(rgba.width) + static_cast<size_t>(x)) * 4];
+      const uint8_t* p =
+          &rgba.pixels[(static_cast<size_t>(y) * static_cast<size_t>(rgba.width) + static_cast<size_t>(x)) * 4];
       const uint32_t a = p[3];
       auto premultiply = [a](uint8_t c) { return static_cast<uint32_t>((c * a + 127) / 255); };
       row[x] = (a << 24) | (premultiply(p[0]) << 16) | (premultiply(p[1]) << 8) | premultiply(p[2]);

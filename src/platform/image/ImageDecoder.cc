@@ -28,7 +28,8 @@ bool fail(Error* error, int64_t code, const std::string& reason) {
   if (error) {
     std::string description = "Image could not be read: ";
     description += reason;
-    *error = Error(ImageDecoder::kErrorDomain, code, Value::dictionary({{"NSLocalizedDescription", Value(description)}}));
+    *error =
+        Error(ImageDecoder::kErrorDomain, code, Value::dictionary({{"NSLocalizedDescription", Value(description)}}));
   }
   return false;
 }
@@ -75,9 +76,10 @@ std::shared_ptr<const Bitmap> ImageDecoder::decode(std::span<const uint8_t> byte
   if (!header) return nullptr;
   const int length = static_cast<int>(bytes.size());
   int width = 0, height = 0, components = 0;
-  void* pixels = header->bitsPerComponent == 16
-                     ? static_cast<void*>(stbi_load_16_from_memory(bytes.data(), length, &width, &height, &components, 0))
-                     : static_cast<void*>(stbi_load_from_memory(bytes.data(), length, &width, &height, &components, 0));
+  void* pixels =
+      header->bitsPerComponent == 16
+          ? static_cast<void*>(stbi_load_16_from_memory(bytes.data(), length, &width, &height, &components, 0))
+          : static_cast<void*>(stbi_load_from_memory(bytes.data(), length, &width, &height, &components, 0));
   if (!pixels) {
     fail(error, kDecodeFailed, libraryReason());
     return nullptr;

@@ -1,9 +1,9 @@
 #include "platform/image/ImageEncoder.h"
 
 // libjpeg's header needs size_t and FILE declared first.
+#include <jpeglib.h>
 #include <cstddef>
 #include <cstdio>
-#include <jpeglib.h>
 
 #include <algorithm>
 #include <csetjmp>
@@ -113,8 +113,7 @@ std::optional<std::vector<uint8_t>> ImageEncoder::JPEGRepresentation(const Bitma
   return out;
 }
 
-std::optional<std::vector<uint8_t>> ImageEncoder::JPEGRepresentation(const Image& image, double quality,
-                                                                     Error* error) {
+std::optional<std::vector<uint8_t>> ImageEncoder::JPEGRepresentation(const Image& image, double quality, Error* error) {
   auto pixels = BitmapPixels::pixelsOf(image, error);
   if (!pixels) return std::nullopt;
   return JPEGRepresentation(*pixels, quality, error);

@@ -33,12 +33,14 @@ std::optional<KeychainItem> fromValue(const Value& record) {
   const Value& tag = record["applicationTag"];
   const Value& attributes = record["attributes"];
   const Value& data = record["data"];
-  if (!itemClass.isString() || !service.isString() || !account.isString() || !generic.isBytes() ||
-      !tag.isBytes() || !attributes.isDictionary() || !data.isBytes())
+  if (!itemClass.isString() || !service.isString() || !account.isString() || !generic.isBytes() || !tag.isBytes() ||
+      !attributes.isDictionary() || !data.isBytes())
     return std::nullopt;
   KeychainItem item;
-  if (itemClass.string() == kKeyClass) item.itemClass = KeychainItemClass::Key;
-  else if (itemClass.string() != kGenericPasswordClass) return std::nullopt;
+  if (itemClass.string() == kKeyClass)
+    item.itemClass = KeychainItemClass::Key;
+  else if (itemClass.string() != kGenericPasswordClass)
+    return std::nullopt;
   item.service = service.string();
   item.account = account.string();
   item.generic = generic.bytesData();
@@ -62,9 +64,7 @@ bool samePrimaryKey(const KeychainItem& a, const KeychainItem& b) {
 
 }  // namespace
 
-Keychain::Keychain(const FileSystem& fileSystem) : path_(fileSystem.keychainDirectory() / "keychain.plist") {
-  load();
-}
+Keychain::Keychain(const FileSystem& fileSystem) : path_(fileSystem.keychainDirectory() / "keychain.plist") { load(); }
 
 Keychain& Keychain::standard() {
   static Keychain instance(*FileSystem::standard());
@@ -102,8 +102,7 @@ bool Keychain::persistLocked() const {
   return PropertyListFile::save(path_, stored, "keychain", 0600);
 }
 
-int32_t Keychain::copyMatching(const KeychainQuery& query, MatchLimit limit,
-                               std::vector<KeychainItem>* results) const {
+int32_t Keychain::copyMatching(const KeychainQuery& query, MatchLimit limit, std::vector<KeychainItem>* results) const {
   std::lock_guard lock(mutex_);
   if (results) results->clear();
   bool found = false;

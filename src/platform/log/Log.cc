@@ -49,8 +49,8 @@ void Log::write(std::string_view message) {
   record.wallSeconds = Clock::system()->wallSeconds();
   record.message = std::string(message);
   std::lock_guard lock(s.mutex);
-  record.line = timestamp(record.wallSeconds) + " " + s.processName + "[" + std::to_string(getpid()) +
-                ":" + std::to_string(static_cast<long>(syscall(SYS_gettid))) + "] " + record.message;
+  record.line = timestamp(record.wallSeconds) + " " + s.processName + "[" + std::to_string(getpid()) + ":" +
+                std::to_string(static_cast<long>(syscall(SYS_gettid))) + "] " + record.message;
   if (s.standardError) {
     fprintf(stderr, "%s\n", record.line.c_str());
   }

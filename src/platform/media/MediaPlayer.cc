@@ -89,11 +89,11 @@ void MediaPlayer::finish(const char* notification, Value userInfo) {
 void MediaPlayer::playbackThread() {
   std::unique_ptr<MediaSource> source;
   uint64_t seenSeek = 0;
-  double position = 0;     // media time reached, seconds
-  double playStart = 0;    // the clock's time at media time 0
+  double position = 0;   // media time reached, seconds
+  double playStart = 0;  // the clock's time at media time 0
   bool havePending = false;
   bool pendingIsEnd = false;
-  double dueAt = 0;        // media time of the pending frame or end
+  double dueAt = 0;  // media time of the pending frame or end
   bool atEnd = false;
   bool needSeek = false;
 

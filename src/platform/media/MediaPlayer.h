@@ -69,7 +69,7 @@ class MediaPlayer {
   std::condition_variable wake_;
   bool stopping_ = false;
   double rate_ = 0;
-  bool playPending_ = false;   // play() not yet taken up by the thread
+  bool playPending_ = false;  // play() not yet taken up by the thread
   double playRequestedAt_ = 0;
   bool pausePending_ = false;  // pause() not yet taken up by the thread
   double pausedAt_ = 0;

@@ -304,8 +304,8 @@ std::shared_ptr<Bitmap> MediaSource::rgbaBitmap(const AVFrame* frame, Error* err
   bitmap->bitsPerComponent = 8;
   bitmap->pixels.resize(bitmap->bytesPerRow() * static_cast<size_t>(height));
   for (int row = 0; row < height; ++row) {
-    std::memcpy(bitmap->pixels.data() + bitmap->bytesPerRow() * row, rgba->data[0] + static_cast<ptrdiff_t>(rgba->linesize[0]) * row,
-                bitmap->bytesPerRow());
+    std::memcpy(bitmap->pixels.data() + bitmap->bytesPerRow() * row,
+                rgba->data[0] + static_cast<ptrdiff_t>(rgba->linesize[0]) * row, bitmap->bytesPerRow());
   }
   return bitmap;
 }

@@ -37,10 +37,14 @@ bool isWritableText(std::string_view s) {
     }
     size_t extra;
     uint32_t code;
-    if (c >= 0xc2 && c <= 0xdf) extra = 1, code = c & 0x1f;
-    else if (c >= 0xe0 && c <= 0xef) extra = 2, code = c & 0x0f;
-    else if (c >= 0xf0 && c <= 0xf4) extra = 3, code = c & 0x07;
-    else return false;
+    if (c >= 0xc2 && c <= 0xdf)
+      extra = 1, code = c & 0x1f;
+    else if (c >= 0xe0 && c <= 0xef)
+      extra = 2, code = c & 0x0f;
+    else if (c >= 0xf0 && c <= 0xf4)
+      extra = 3, code = c & 0x07;
+    else
+      return false;
     for (size_t k = 1; k <= extra; ++k) {
       if (i + k >= n || (p[i + k] & 0xc0) != 0x80) return false;
       code = (code << 6) | (p[i + k] & 0x3f);
@@ -103,14 +107,12 @@ std::optional<std::pair<int32_t, int32_t>> referenceDate(double secondsSince1970
   double since2001 = secondsSince1970 - kReferenceDateOffset;
   if (!std::isfinite(since2001)) return std::nullopt;
   double whole = std::trunc(since2001);
-  if (whole < std::numeric_limits<int32_t>::min() || whole > std::numeric_limits<int32_t>::max())
-    return std::nullopt;
+  if (whole < std::numeric_limits<int32_t>::min() || whole > std::numeric_limits<int32_t>::max()) return std::nullopt;
   auto micros = static_cast<int32_t>(std::llround((since2001 - whole) * 1e6));
   if (micros == 1'000'000 || micros == -1'000'000) {
     whole += micros > 0 ? 1 : -1;
     micros = 0;
-    if (whole < std::numeric_limits<int32_t>::min() || whole > std::numeric_limits<int32_t>::max())
-      return std::nullopt;
+    if (whole < std::numeric_limits<int32_t>::min() || whole > std::numeric_limits<int32_t>::max()) return std::nullopt;
   }
   return std::make_pair(static_cast<int32_t>(whole), micros);
 }
@@ -244,8 +246,10 @@ Value fromNode(plist_t node, int depth) {
           break;
         }
         Value converted = fromNode(item, depth + 1);
-        if (converted.isNil() || key == nullptr || !isWritableText(key)) ok = false;
-        else entries.insert_or_assign(key, std::move(converted));
+        if (converted.isNil() || key == nullptr || !isWritableText(key))
+          ok = false;
+        else
+          entries.insert_or_assign(key, std::move(converted));
         std::free(key);
         if (!ok) break;
       }
@@ -272,8 +276,10 @@ Value PropertyList::read(std::string_view data, Error* error, Format* format) {
   bool binary = plist_is_binary(data.data(), length) != 0;
   if (binary && binaryHasNulText(data)) return corrupt("text with a NUL character");
   plist_t raw = nullptr;
-  if (binary) plist_from_bin(data.data(), length, &raw);
-  else plist_from_xml(data.data(), length, &raw);
+  if (binary)
+    plist_from_bin(data.data(), length, &raw);
+  else
+    plist_from_xml(data.data(), length, &raw);
   Node root(raw);
   if (!root) return corrupt(binary ? "unreadable binary form" : "unreadable XML form");
   Value value = fromNode(root.get(), 0);
@@ -293,15 +299,19 @@ std::optional<std::string> PropertyList::write(const Value& value, Format format
   Node root(toNode(value));
   char* out = nullptr;
   uint32_t length = 0;
-  if (format == Format::XML) plist_to_xml(root.get(), &out, &length);
-  else plist_to_bin(root.get(), &out, &length);
+  if (format == Format::XML)
+    plist_to_xml(root.get(), &out, &length);
+  else
+    plist_to_bin(root.get(), &out, &length);
   if (out == nullptr) {
     if (error) *error = makeError(writeInvalidError, "The property list could not be encoded.");
     return std::nullopt;
   }
   std::string encoded(out, length);
-  if (format == Format::XML) plist_to_xml_free(out);
-  else plist_to_bin_free(out);
+  if (format == Format::XML)
+    plist_to_xml_free(out);
+  else
+    plist_to_bin_free(out);
   return encoded;
 }
 

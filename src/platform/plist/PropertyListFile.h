@@ -1,9 +1,9 @@
 #pragma once
 
+#include <sys/types.h>
 #include <filesystem>
 #include <optional>
 #include <string_view>
-#include <sys/types.h>
 
 #include "platform/value/Value.h"
 

@@ -213,9 +213,8 @@ ReachabilityFlags NetworkSnapshot::flagsForAddress(const asio::ip::address& addr
   if (address.is_unspecified()) {
     for (const auto& route : routes_) {
       if (route.prefixLength != 0 || !interfaceUsable(route.interface)) continue;
-      bool loopback = std::any_of(interfaces_.begin(), interfaces_.end(), [&](const NetworkInterface& i) {
-        return i.name == route.interface && i.loopback;
-      });
+      bool loopback = std::any_of(interfaces_.begin(), interfaces_.end(),
+                                  [&](const NetworkInterface& i) { return i.name == route.interface && i.loopback; });
       if (!loopback) return kReachabilityReachable | (isMobileInterface(route.interface) ? kReachabilityIsWWAN : 0);
     }
     return 0;

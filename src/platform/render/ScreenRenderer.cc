@@ -38,7 +38,9 @@ struct TextStyle {
   int maxLines = 1;  // 0: as many as fit
 };
 
-void setColor(cairo_t* cr, const Color& color) { cairo_set_source_rgba(cr, color.red, color.green, color.blue, color.alpha); }
+void setColor(cairo_t* cr, const Color& color) {
+  cairo_set_source_rgba(cr, color.red, color.green, color.blue, color.alpha);
+}
 
 bool isHeavy(const std::string& fontName) {
   for (std::string_view weight : {"Medium", "Semibold", "Bold", "Heavy", "Black"}) {

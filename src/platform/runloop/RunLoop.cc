@@ -173,7 +173,9 @@ void RunLoop::wakeIfWaiting() {
 }
 
 // A timer set from another thread may be due before the wait the loop is in ends.
-void RunLoop::wake() { asio::post(io_, [] {}); }
+void RunLoop::wake() {
+  asio::post(io_, [] {});
+}
 
 void RunLoop::waitForWork(double maxSeconds) {
   {

@@ -67,8 +67,7 @@ class RunLoop {
 
   // A delayed call in the form of performSelector:afterDelay: - remembered by
   // its target and operation name so that it can be cancelled by them.
-  TimerId performAfterDelay(const void* target, std::string operation, double delaySeconds,
-                            std::function<void()> task);
+  TimerId performAfterDelay(const void* target, std::string operation, double delaySeconds, std::function<void()> task);
   // Cancels the pending delayed calls of `target` with that operation name
   // (cancelPreviousPerformRequestsWithTarget:selector:); returns how many.
   size_t cancelPreviousPerformRequests(const void* target, std::string_view operation);

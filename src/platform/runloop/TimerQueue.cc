@@ -5,7 +5,11 @@ namespace quillet::platform {
 TimerId TimerQueue::add(double due, double interval, std::function<void()> task, const void* target,
                         std::string operation) {
   TimerId id = nextId_++;
-  Timer timer{due, interval, nextSequence_++, std::make_shared<std::function<void()>>(std::move(task)), target,
+  Timer timer{due,
+              interval,
+              nextSequence_++,
+              std::make_shared<std::function<void()>>(std::move(task)),
+              target,
               std::move(operation)};
   if (target != nullptr) byTarget_[target][timer.operation].insert(id);
   push(id, timer);
@@ -61,9 +65,7 @@ std::optional<TimerQueue::Due> TimerQueue::popDue(double now, uint64_t sequenceL
   return fired;
 }
 
-void TimerQueue::push(TimerId id, const Timer& timer) {
-  heap_.push(HeapEntry{timer.due, timer.sequence, id});
-}
+void TimerQueue::push(TimerId id, const Timer& timer) { heap_.push(HeapEntry{timer.due, timer.sequence, id}); }
 
 // A heap entry is stale when its timer was cancelled or rescheduled since.
 void TimerQueue::dropStaleTop() {

@@ -10,8 +10,7 @@ namespace quillet::platform {
 class PercentEscape {
  public:
   // Letters, digits and "-._~".
-  static constexpr std::string_view kUnreserved =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+  static constexpr std::string_view kUnreserved = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
   // The characters the phone's legacy escaping left alone by default: the
   // unreserved ones, "!*'()", the reserved ";/?:@&=+$," and "#".
   static constexpr std::string_view kLegacyUrlLegal =

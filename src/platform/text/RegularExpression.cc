@@ -66,8 +66,7 @@ struct RegularExpression::Compiled {
 RegularExpression::RegularExpression(std::string pattern, std::shared_ptr<const Compiled> compiled)
     : pattern_(std::move(pattern)), compiled_(std::move(compiled)) {}
 
-std::optional<RegularExpression> RegularExpression::create(std::string_view pattern, uint32_t options,
-                                                           Error* error) {
+std::optional<RegularExpression> RegularExpression::create(std::string_view pattern, uint32_t options, Error* error) {
   UErrorCode status = U_ZERO_ERROR;
   UParseError parseError{};
   std::unique_ptr<icu::RegexPattern> compiled(
@@ -145,8 +144,6 @@ std::string RegularExpression::replaceAll(std::string_view text, std::string_vie
   return U_SUCCESS(status) ? fromIcu(replaced) : std::string(text);
 }
 
-size_t RegularExpression::utf16Length(std::string_view text) {
-  return static_cast<size_t>(toIcu(text).length());
-}
+size_t RegularExpression::utf16Length(std::string_view text) { return static_cast<size_t>(toIcu(text).length()); }
 
 }  // namespace quillet::platform

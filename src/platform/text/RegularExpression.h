@@ -45,7 +45,7 @@ class RegularExpression {
   enum Option : uint32_t {
     kCaseInsensitive = 1u << 0,
     kAllowCommentsAndWhitespace = 1u << 1,
-    kIgnoreMetacharacters = 1u << 2,    // the pattern is literal text
+    kIgnoreMetacharacters = 1u << 2,  // the pattern is literal text
     kDotMatchesLineSeparators = 1u << 3,
     kAnchorsMatchLines = 1u << 4,
     kUseUnixLineSeparators = 1u << 5,

@@ -78,10 +78,10 @@ std::optional<Url> Url::parse(std::string_view text, Error* error) {
   }
   if (auto opaque = parseOpaque(text)) return opaque;
   CurlUrl h(curl_url());
-  CURLUcode rc = h ? curl_url_set(h.get(), CURLUPART_URL, std::string(text).c_str(), kParseFlags) : CURLUE_OUT_OF_MEMORY;
+  CURLUcode rc =
+      h ? curl_url_set(h.get(), CURLUPART_URL, std::string(text).c_str(), kParseFlags) : CURLUE_OUT_OF_MEMORY;
   if (rc != CURLUE_OK) {
-    setTextError(error, kTextErrorBadUrl,
-                 "URL \"" + std::string(text) + "\" is malformed: " + curl_url_strerror(rc));
+    setTextError(error, kTextErrorBadUrl, "URL \"" + std::string(text) + "\" is malformed: " + curl_url_strerror(rc));
     return std::nullopt;
   }
   Url url;
@@ -119,9 +119,9 @@ std::optional<Url> Url::resolve(std::string_view reference, Error* error) const 
   if (rc == CURLUE_OK) rc = curl_url_set(h.get(), CURLUPART_URL, std::string(reference).c_str(), kParseFlags);
   std::optional<std::string> resolved = rc == CURLUE_OK ? part(h.get(), CURLUPART_URL) : std::nullopt;
   if (!resolved) {
-    setTextError(error, kTextErrorBadUrl,
-                 "Cannot resolve \"" + std::string(reference) + "\" against " + absolute_ + ": " +
-                     curl_url_strerror(rc));
+    setTextError(
+        error, kTextErrorBadUrl,
+        "Cannot resolve \"" + std::string(reference) + "\" against " + absolute_ + ": " + curl_url_strerror(rc));
     return std::nullopt;
   }
   return parse(*resolved, error);

@@ -86,11 +86,11 @@ bool TlsStream::Engine::open(const std::string& host, uint16_t port) {
   status = Status::Opening;
   host_ = host;
   if (!configure(host)) return true;
-  resolver_.async_resolve(host, std::to_string(port),
-                          [self = shared_from_this()](const asio::error_code& ec,
-                                                      const asio::ip::tcp::resolver::results_type& results) {
-                            self->onResolved(ec, results);
-                          });
+  resolver_.async_resolve(
+      host, std::to_string(port),
+      [self = shared_from_this()](const asio::error_code& ec, const asio::ip::tcp::resolver::results_type& results) {
+        self->onResolved(ec, results);
+      });
   return true;
 }
 
@@ -110,8 +110,8 @@ bool TlsStream::Engine::configure(const std::string& host) {
     context_.load_verify_file(options_.caFile.string(), ec);
   }
   if (ec) {
-    fail(kBadConfiguration, "Could not load the trusted certificates from " + options_.caFile.string() + ": " +
-                                ec.message());
+    fail(kBadConfiguration,
+         "Could not load the trusted certificates from " + options_.caFile.string() + ": " + ec.message());
     return false;
   }
   X509_VERIFY_PARAM* param = SSL_get0_param(ssl);
@@ -128,8 +128,7 @@ bool TlsStream::Engine::configure(const std::string& host) {
   return true;
 }
 
-void TlsStream::Engine::onResolved(const asio::error_code& ec,
-                                   const asio::ip::tcp::resolver::results_type& results) {
+void TlsStream::Engine::onResolved(const asio::error_code& ec, const asio::ip::tcp::resolver::results_type& results) {
   if (status != Status::Opening) return;
   if (ec) {
     fail(kResolveFailed, "Could not resolve " + host_ + ": " + ec.message());
@@ -149,10 +148,9 @@ void TlsStream::Engine::onConnected(const asio::error_code& ec) {
   }
   asio::error_code ignored;
   ssl_.lowest_layer().set_option(asio::ip::tcp::no_delay(true), ignored);
-  ssl_.async_handshake(asio::ssl::stream_base::client,
-                       [self = shared_from_this()](const asio::error_code& handshakeError) {
-                         self->onHandshake(handshakeError);
-                       });
+  ssl_.async_handshake(
+      asio::ssl::stream_base::client,
+      [self = shared_from_this()](const asio::error_code& handshakeError) { self->onHandshake(handshakeError); });
 }
 
 void TlsStream::Engine::onHandshake(const asio::error_code& ec) {
@@ -160,8 +158,7 @@ void TlsStream::Engine::onHandshake(const asio::error_code& ec) {
   if (ec) {
     long verify = SSL_get_verify_result(ssl_.native_handle());
     if (options_.verifyPeer && verify != X509_V_OK) {
-      fail(kPeerUntrusted, "The certificate of " + host_ + " is not trusted: " +
-                               X509_verify_cert_error_string(verify));
+      fail(kPeerUntrusted, "The certificate of " + host_ + " is not trusted: " + X509_verify_cert_error_string(verify));
     } else {
       fail(kHandshakeFailed, "The secure connection to " + host_ + " failed: " + ec.message());
     }

@@ -47,13 +47,13 @@ class TlsStream {
   // Error domain and codes of error().
   static constexpr const char* kErrorDomain = "TlsStreamErrorDomain";
   enum ErrorCode : int64_t {
-    kResolveFailed = 1,      // the host name did not resolve
-    kConnectFailed = 2,      // no address accepted the connection
-    kHandshakeFailed = 3,    // the TLS handshake failed for a reason other than trust
-    kPeerUntrusted = 4,      // the peer's chain or name did not verify
+    kResolveFailed = 1,    // the host name did not resolve
+    kConnectFailed = 2,    // no address accepted the connection
+    kHandshakeFailed = 3,  // the TLS handshake failed for a reason other than trust
+    kPeerUntrusted = 4,    // the peer's chain or name did not verify
     kReadFailed = 5,
     kWriteFailed = 6,
-    kBadConfiguration = 7,   // the CA file could not be loaded
+    kBadConfiguration = 7,  // the CA file could not be loaded
   };
 
   explicit TlsStream(RunLoop& loop, Options options = {});

@@ -8,8 +8,10 @@ namespace {
 
 Value itemValue(const ActivityItem& item) {
   switch (item.kind) {
-    case ActivityItem::Kind::Text: return Value::dictionary({{"text", Value(item.text)}});
-    case ActivityItem::Kind::URL: return Value::dictionary({{"url", Value(item.text)}});
+    case ActivityItem::Kind::Text:
+      return Value::dictionary({{"text", Value(item.text)}});
+    case ActivityItem::Kind::URL:
+      return Value::dictionary({{"url", Value(item.text)}});
     case ActivityItem::Kind::Image:
       return Value::dictionary({{"image", Value(item.image ? item.image->description() : "(null)")}});
   }

@@ -7,9 +7,12 @@ namespace quillet::platform {
 namespace {
 const char* actionStyleName(AlertActionStyle style) {
   switch (style) {
-    case AlertActionStyle::Default: return "default";
-    case AlertActionStyle::Cancel: return "cancel";
-    case AlertActionStyle::Destructive: return "destructive";
+    case AlertActionStyle::Default:
+      return "default";
+    case AlertActionStyle::Cancel:
+      return "cancel";
+    case AlertActionStyle::Destructive:
+      return "destructive";
   }
   return "default";
 }
@@ -40,7 +43,8 @@ bool AlertController::performActionWithTitle(const std::string& title, Error* er
 Value AlertController::describe() const {
   Value actions = Value::array({});
   for (const auto& action : actions_) {
-    actions.append(Value::dictionary({{"title", Value(action.title)}, {"style", Value(actionStyleName(action.style))}}));
+    actions.append(
+        Value::dictionary({{"title", Value(action.title)}, {"style", Value(actionStyleName(action.style))}}));
   }
   return Value::dictionary({{"title", Value(title())},
                             {"message", Value(message_)},

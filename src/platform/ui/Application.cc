@@ -14,16 +14,18 @@ std::shared_ptr<Application>& sharedSlot() {
 
 const char* applicationStateName(ApplicationState state) {
   switch (state) {
-    case ApplicationState::Active: return "active";
-    case ApplicationState::Inactive: return "inactive";
-    case ApplicationState::Background: return "background";
+    case ApplicationState::Active:
+      return "active";
+    case ApplicationState::Inactive:
+      return "inactive";
+    case ApplicationState::Background:
+      return "background";
   }
   return "inactive";
 }
 
 Application::Application(std::shared_ptr<UiEvents> events)
-    : events_(events ? std::move(events) : std::make_shared<UiEvents>()),
-      window_(std::make_shared<Window>(events_)) {}
+    : events_(events ? std::move(events) : std::make_shared<UiEvents>()), window_(std::make_shared<Window>(events_)) {}
 
 Application& Application::sharedApplication() {
   auto& shared = sharedSlot();

@@ -28,8 +28,7 @@ void CellWindow::retire(std::shared_ptr<ReusableCell> cell) {
   queues_[cell->reuseIdentifier()].push_back(std::move(cell));
 }
 
-std::vector<IndexPath> CellWindow::show(const std::vector<IndexPath>& wanted, bool reloadAll,
-                                        const MakeCell& make) {
+std::vector<IndexPath> CellWindow::show(const std::vector<IndexPath>& wanted, bool reloadAll, const MakeCell& make) {
   for (auto it = visible_.begin(); it != visible_.end();) {
     bool keep = !reloadAll && std::find(wanted.begin(), wanted.end(), it->first) != wanted.end();
     if (keep) {

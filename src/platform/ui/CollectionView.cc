@@ -5,9 +5,8 @@ namespace quillet::platform {
 CollectionView::CollectionView(std::string name) : View(std::move(name)), cells_(*this) {}
 
 void CollectionView::registerCellFactory(const std::string& identifier, CellFactory factory) {
-  cells_.registerFactory(identifier, [factory = std::move(factory)]() -> std::shared_ptr<ReusableCell> {
-    return factory();
-  });
+  cells_.registerFactory(identifier,
+                         [factory = std::move(factory)]() -> std::shared_ptr<ReusableCell> { return factory(); });
 }
 
 std::shared_ptr<CollectionViewCell> CollectionView::dequeueReusableCellWithReuseIdentifier(

@@ -7,9 +7,7 @@
 namespace quillet::platform {
 
 namespace {
-int component(double value) {
-  return static_cast<int>(std::lround(std::clamp(value, 0.0, 1.0) * 255.0));
-}
+int component(double value) { return static_cast<int>(std::lround(std::clamp(value, 0.0, 1.0) * 255.0)); }
 }  // namespace
 
 std::string Color::hex() const {

@@ -11,11 +11,11 @@ namespace quillet::platform {
 struct LocalNotification {
   std::string title;
   std::string body;
-  std::string soundName;          // empty: silent
-  std::optional<int64_t> badge;   // the icon badge it sets, if any
+  std::string soundName;         // empty: silent
+  std::optional<int64_t> badge;  // the icon badge it sets, if any
   std::string category;
-  Value userInfo;                 // a dictionary, or nil
-  std::optional<double> fireDate; // seconds since 1970; none: at once
+  Value userInfo;                  // a dictionary, or nil
+  std::optional<double> fireDate;  // seconds since 1970; none: at once
 
   // {"title", "body", "sound", "badge", "category", "userInfo", "fireDate"}, each when set.
   Value toValue() const;

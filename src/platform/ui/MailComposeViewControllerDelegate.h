@@ -14,8 +14,8 @@ enum class MailComposeResult { Cancelled = 0, Saved = 1, Sent = 2, Failed = 3 };
 class MailComposeViewControllerDelegate {
  public:
   virtual ~MailComposeViewControllerDelegate() = default;
-  virtual void mailComposeControllerDidFinishWithResult(MailComposeViewController& controller,
-                                                        MailComposeResult result, const Error* error) = 0;
+  virtual void mailComposeControllerDidFinishWithResult(MailComposeViewController& controller, MailComposeResult result,
+                                                        const Error* error) = 0;
 };
 
 }  // namespace quillet::platform

@@ -28,10 +28,12 @@ void ProgressHUD::hide(bool animated) {
     return;
   }
   std::weak_ptr<View> weak = weak_from_this();
-  ViewAnimation::animateWithDuration(kAnimationSeconds, [this] { setAlpha(0); }, [weak](bool) {
-    auto hud = std::static_pointer_cast<ProgressHUD>(weak.lock());
-    if (hud && !hud->shown_) hud->setHidden(true);
-  });
+  ViewAnimation::animateWithDuration(
+      kAnimationSeconds, [this] { setAlpha(0); },
+      [weak](bool) {
+        auto hud = std::static_pointer_cast<ProgressHUD>(weak.lock());
+        if (hud && !hud->shown_) hud->setHidden(true);
+      });
 }
 
 void ProgressHUD::describeState(Value& into) const { into.set("labelText", Value(labelText_)); }

@@ -9,9 +9,8 @@ namespace quillet::platform {
 TableView::TableView(std::string name) : View(std::move(name)), cells_(*this) {}
 
 void TableView::registerCellFactory(const std::string& identifier, CellFactory factory) {
-  cells_.registerFactory(identifier, [factory = std::move(factory)]() -> std::shared_ptr<ReusableCell> {
-    return factory();
-  });
+  cells_.registerFactory(identifier,
+                         [factory = std::move(factory)]() -> std::shared_ptr<ReusableCell> { return factory(); });
 }
 
 std::shared_ptr<TableViewCell> TableView::dequeueReusableCellWithIdentifier(const std::string& identifier) {

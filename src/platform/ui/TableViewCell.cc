@@ -4,9 +4,12 @@ namespace quillet::platform {
 
 const char* cellAccessoryName(CellAccessoryType type) {
   switch (type) {
-    case CellAccessoryType::None: return "none";
-    case CellAccessoryType::DisclosureIndicator: return "disclosure";
-    case CellAccessoryType::Checkmark: return "checkmark";
+    case CellAccessoryType::None:
+      return "none";
+    case CellAccessoryType::DisclosureIndicator:
+      return "disclosure";
+    case CellAccessoryType::Checkmark:
+      return "checkmark";
   }
   return "none";
 }

@@ -4,22 +4,38 @@ namespace quillet::platform {
 
 const char* UiEvent::kindName(Kind kind) {
   switch (kind) {
-    case Kind::ScreenPushed: return "screenPushed";
-    case Kind::ScreenPopped: return "screenPopped";
-    case Kind::StackReplaced: return "stackReplaced";
-    case Kind::ScreenReplaced: return "screenReplaced";
-    case Kind::ScreenPresented: return "screenPresented";
-    case Kind::ScreenDismissed: return "screenDismissed";
-    case Kind::AlertShown: return "alertShown";
-    case Kind::AlertDismissed: return "alertDismissed";
-    case Kind::UrlOpened: return "urlOpened";
-    case Kind::BadgeChanged: return "badgeChanged";
-    case Kind::LocalNotificationScheduled: return "localNotificationScheduled";
-    case Kind::NotificationSettingsRegistered: return "notificationSettingsRegistered";
-    case Kind::RemoteNotificationsRegistered: return "remoteNotificationsRegistered";
-    case Kind::Toast: return "toast";
-    case Kind::MemoryWarning: return "memoryWarning";
-    case Kind::OpenInMenuShown: return "openInMenuShown";
+    case Kind::ScreenPushed:
+      return "screenPushed";
+    case Kind::ScreenPopped:
+      return "screenPopped";
+    case Kind::StackReplaced:
+      return "stackReplaced";
+    case Kind::ScreenReplaced:
+      return "screenReplaced";
+    case Kind::ScreenPresented:
+      return "screenPresented";
+    case Kind::ScreenDismissed:
+      return "screenDismissed";
+    case Kind::AlertShown:
+      return "alertShown";
+    case Kind::AlertDismissed:
+      return "alertDismissed";
+    case Kind::UrlOpened:
+      return "urlOpened";
+    case Kind::BadgeChanged:
+      return "badgeChanged";
+    case Kind::LocalNotificationScheduled:
+      return "localNotificationScheduled";
+    case Kind::NotificationSettingsRegistered:
+      return "notificationSettingsRegistered";
+    case Kind::RemoteNotificationsRegistered:
+      return "remoteNotificationsRegistered";
+    case Kind::Toast:
+      return "toast";
+    case Kind::MemoryWarning:
+      return "memoryWarning";
+    case Kind::OpenInMenuShown:
+      return "openInMenuShown";
   }
   return "unknown";
 }

@@ -11,22 +11,23 @@ namespace quillet::platform {
 // object, as a driver hears it. Plain data.
 struct UiEvent {
   enum class Kind {
-    ScreenPushed,     // screen: pushed; previous: the screen below it
-    ScreenPopped,     // screen: popped; previous: the screen now on top
-    StackReplaced,    // a stack set anew; screen: new top; previous: old top; info: the stack
-    ScreenReplaced,   // the window's root replaced; screen: new top; previous: old top; info: the stack
-    ScreenPresented,  // screen: presented; previous: the presenter
-    ScreenDismissed,  // screen: dismissed; previous: the presenter
-    AlertShown,       // screen: the presenter; text: title; info: {message, style, actions}
-    AlertDismissed,   // screen: the presenter; text: title
-    UrlOpened,        // text: the URL
-    BadgeChanged,     // number: the new badge; info: the old badge
-    LocalNotificationScheduled,     // text: body; info: the notification
+    ScreenPushed,                    // screen: pushed; previous: the screen below it
+    ScreenPopped,                    // screen: popped; previous: the screen now on top
+    StackReplaced,                   // a stack set anew; screen: new top; previous: old top; info: the stack
+    ScreenReplaced,                  // the window's root replaced; screen: new top; previous: old top; info: the stack
+    ScreenPresented,                 // screen: presented; previous: the presenter
+    ScreenDismissed,                 // screen: dismissed; previous: the presenter
+    AlertShown,                      // screen: the presenter; text: title; info: {message, style, actions}
+    AlertDismissed,                  // screen: the presenter; text: title
+    UrlOpened,                       // text: the URL
+    BadgeChanged,                    // number: the new badge; info: the old badge
+    LocalNotificationScheduled,      // text: body; info: the notification
     NotificationSettingsRegistered,  // number: the types
     RemoteNotificationsRegistered,   // number: 1 registered, 0 unregistered
-    Toast,            // text: the toast's text
-    MemoryWarning,    // the application received a memory warning
-    OpenInMenuShown,  // screen: the view it is shown from; text: the file URL; info: {url, UTI, rect: {x, y, width, height}}
+    Toast,                           // text: the toast's text
+    MemoryWarning,                   // the application received a memory warning
+    OpenInMenuShown,  // screen: the view it is shown from; text: the file URL; info: {url, UTI, rect: {x, y, width,
+                      // height}}
   };
 
   Kind kind = Kind::Toast;

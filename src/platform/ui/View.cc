@@ -116,10 +116,14 @@ void View::describeState(Value&) const {}
 
 const char* swipeDirectionName(SwipeDirection direction) {
   switch (direction) {
-    case SwipeDirection::Left: return "left";
-    case SwipeDirection::Right: return "right";
-    case SwipeDirection::Up: return "up";
-    case SwipeDirection::Down: return "down";
+    case SwipeDirection::Left:
+      return "left";
+    case SwipeDirection::Right:
+      return "right";
+    case SwipeDirection::Up:
+      return "up";
+    case SwipeDirection::Down:
+      return "down";
   }
   return "left";
 }

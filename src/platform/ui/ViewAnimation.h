@@ -12,8 +12,7 @@ class ViewAnimation {
  public:
   using Completion = std::function<void(bool finished)>;
 
-  static void animateWithDuration(double duration, const std::function<void()>& animations,
-                                  Completion completion = {});
+  static void animateWithDuration(double duration, const std::function<void()>& animations, Completion completion = {});
 };
 
 }  // namespace quillet::platform

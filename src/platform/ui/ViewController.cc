@@ -107,8 +107,8 @@ void ViewController::presentViewController(std::shared_ptr<ViewController> scree
                                            std::function<void()> completion) {
   if (!screen) return;
   if (presented_) {
-    Log::write("Attempt to present " + screen->identifier() + " on " + identifier_ +
-               " which is already presenting " + presented_->identifier());
+    Log::write("Attempt to present " + screen->identifier() + " on " + identifier_ + " which is already presenting " +
+               presented_->identifier());
     return;
   }
   auto keepAlive = weak_from_this().lock();

@@ -21,8 +21,8 @@ WebPageFactory& defaultPageFactory() {
 
 Error unsupportedURL(const std::string& url) {
   return Error("NSURLErrorDomain", -1002,
-               Value::dictionary({{"NSLocalizedDescription", Value("unsupported URL")},
-                                  {"NSErrorFailingURLStringKey", Value(url)}}));
+               Value::dictionary(
+                   {{"NSLocalizedDescription", Value("unsupported URL")}, {"NSErrorFailingURLStringKey", Value(url)}}));
 }
 
 }  // namespace
@@ -83,19 +83,19 @@ void WebView::fetch(const std::string& url) {
     });
     return;
   }
-  task_ = pageSession().start(
-      HttpRequest(url), DispatchQueue::main(),
-      [weak, generation](std::optional<HttpResponse> response, std::optional<Error> error) {
-        auto view = std::static_pointer_cast<WebView>(weak.lock());
-        if (!view || view->generation_ != generation || !view->loading_) return;
-        view->task_.reset();
-        if (error || !response) {
-          view->failLoad(error.value_or(Error("NSURLErrorDomain", -1)));
-          return;
-        }
-        view->showPage(response->url.empty() ? view->url_ : response->url, response->bodyString());
-        view->finishLoad();
-      });
+  task_ =
+      pageSession().start(HttpRequest(url), DispatchQueue::main(),
+                          [weak, generation](std::optional<HttpResponse> response, std::optional<Error> error) {
+                            auto view = std::static_pointer_cast<WebView>(weak.lock());
+                            if (!view || view->generation_ != generation || !view->loading_) return;
+                            view->task_.reset();
+                            if (error || !response) {
+                              view->failLoad(error.value_or(Error("NSURLErrorDomain", -1)));
+                              return;
+                            }
+                            view->showPage(response->url.empty() ? view->url_ : response->url, response->bodyString());
+                            view->finishLoad();
+                          });
 }
 
 void WebView::showPage(const std::string& url, std::string html) {

@@ -4,8 +4,7 @@
 
 namespace quillet::platform {
 
-Window::Window(std::shared_ptr<UiEvents> events)
-    : events_(events ? std::move(events) : std::make_shared<UiEvents>()) {}
+Window::Window(std::shared_ptr<UiEvents> events) : events_(events ? std::move(events) : std::make_shared<UiEvents>()) {}
 
 Window::~Window() {
   if (root_) root_->window_ = nullptr;

@@ -11,8 +11,7 @@ std::string Error::localizedDescription() const {
 }
 
 std::string Error::description() const {
-  std::string out =
-      "Error Domain=" + domain + " Code=" + std::to_string(code) + " \"" + localizedDescription() + "\"";
+  std::string out = "Error Domain=" + domain + " Code=" + std::to_string(code) + " \"" + localizedDescription() + "\"";
   if (userInfo.isDictionary() && !userInfo.dictionaryItems().empty()) {
     out += " UserInfo={";
     bool first = true;

@@ -195,4 +195,3 @@ std::string formatValues(std::string_view fmt, std::span<const Value> values) {
 }
 
 }  // namespace quillet::platform
-

@@ -163,20 +163,33 @@ class JsonWriter {
   // Appends `value`; false with `reason` set when it cannot be written.
   bool write(const Value& value, size_t level) {
     switch (value.type()) {
-      case Value::Type::Null: out_ += "null"; return true;
-      case Value::Type::Bool: out_ += value.boolValue() ? "true" : "false"; return true;
-      case Value::Type::Integer: out_ += std::to_string(value.integerValue()); return true;
+      case Value::Type::Null:
+        out_ += "null";
+        return true;
+      case Value::Type::Bool:
+        out_ += value.boolValue() ? "true" : "false";
+        return true;
+      case Value::Type::Integer:
+        out_ += std::to_string(value.integerValue());
+        return true;
       case Value::Type::Double:
         if (!std::isfinite(value.doubleValue())) return fail("Invalid number value in JSON write");
         out_ += doubleText(value.doubleValue());
         return true;
-      case Value::Type::String: return writeString(value.string());
-      case Value::Type::Array: return writeArray(value.arrayItems(), level);
-      case Value::Type::Dictionary: return writeDictionary(value.dictionaryItems(), level);
-      case Value::Type::Nil: return fail("Invalid type in JSON write (nil)");
-      case Value::Type::Bytes: return fail("Invalid type in JSON write (bytes)");
-      case Value::Type::Date: return fail("Invalid type in JSON write (date)");
-      case Value::Type::Object: return fail("Invalid type in JSON write (object)");
+      case Value::Type::String:
+        return writeString(value.string());
+      case Value::Type::Array:
+        return writeArray(value.arrayItems(), level);
+      case Value::Type::Dictionary:
+        return writeDictionary(value.dictionaryItems(), level);
+      case Value::Type::Nil:
+        return fail("Invalid type in JSON write (nil)");
+      case Value::Type::Bytes:
+        return fail("Invalid type in JSON write (bytes)");
+      case Value::Type::Date:
+        return fail("Invalid type in JSON write (date)");
+      case Value::Type::Object:
+        return fail("Invalid type in JSON write (object)");
     }
     return fail("Invalid type in JSON write");
   }
@@ -201,14 +214,30 @@ class JsonWriter {
     out_ += '"';
     for (char ch : s) {
       switch (ch) {
-        case '"': out_ += "\\\""; break;
-        case '\\': out_ += "\\\\"; break;
-        case '/': out_ += "\\/"; break;
-        case '\b': out_ += "\\b"; break;
-        case '\f': out_ += "\\f"; break;
-        case '\n': out_ += "\\n"; break;
-        case '\r': out_ += "\\r"; break;
-        case '\t': out_ += "\\t"; break;
+        case '"':
+          out_ += "\\\"";
+          break;
+        case '\\':
+          out_ += "\\\\";
+          break;
+        case '/':
+          out_ += "\\/";
+          break;
+        case '\b':
+          out_ += "\\b";
+          break;
+        case '\f':
+          out_ += "\\f";
+          break;
+        case '\n':
+          out_ += "\\n";
+          break;
+        case '\r':
+          out_ += "\\r";
+          break;
+        case '\t':
+          out_ += "\\t";
+          break;
         default:
           if (static_cast<unsigned char>(ch) < 0x20) {
             static const char hex[] = "0123456789abcdef";

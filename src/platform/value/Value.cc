@@ -120,12 +120,23 @@ void appendQuotedIfNeeded(std::string& out, const std::string& text) {
   out += '"';
   for (char c : text) {
     switch (c) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
-      default: out += c;
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      default:
+        out += c;
     }
   }
   out += '"';
@@ -166,8 +177,8 @@ void appendDescription(std::string& out, const Value& value, size_t level) {
 
 // Numbers compare by value across bool, integer and real.
 bool numbersEqual(const Value& a, const Value& b) {
-  if (a.isDouble() || b.isDouble()) return a.doubleValue() == b.doubleValue() ||
-                                           (std::isnan(a.doubleValue()) && std::isnan(b.doubleValue()));
+  if (a.isDouble() || b.isDouble())
+    return a.doubleValue() == b.doubleValue() || (std::isnan(a.doubleValue()) && std::isnan(b.doubleValue()));
   return a.integerValue() == b.integerValue();
 }
 
@@ -211,9 +222,12 @@ bool Value::isNumber() const { return isBool() || isInteger() || isDouble(); }
 
 bool Value::boolValue() const {
   switch (type()) {
-    case Type::Bool: return std::get<bool>(storage_);
-    case Type::Integer: return std::get<int64_t>(storage_) != 0;
-    case Type::Double: return std::get<double>(storage_) != 0;
+    case Type::Bool:
+      return std::get<bool>(storage_);
+    case Type::Integer:
+      return std::get<int64_t>(storage_) != 0;
+    case Type::Double:
+      return std::get<double>(storage_) != 0;
     case Type::String: {
       // Leading spaces, a sign and zeros are skipped; then Y, y, T, t or 1-9 mean true.
       const std::string& s = std::get<std::string>(storage_);
@@ -224,14 +238,17 @@ bool Value::boolValue() const {
       char c = s[i];
       return c == 'Y' || c == 'y' || c == 'T' || c == 't' || (c >= '1' && c <= '9');
     }
-    default: return false;
+    default:
+      return false;
   }
 }
 
 int64_t Value::integerValue() const {
   switch (type()) {
-    case Type::Bool: return std::get<bool>(storage_) ? 1 : 0;
-    case Type::Integer: return std::get<int64_t>(storage_);
+    case Type::Bool:
+      return std::get<bool>(storage_) ? 1 : 0;
+    case Type::Integer:
+      return std::get<int64_t>(storage_);
     case Type::Double: {
       double d = std::get<double>(storage_);
       if (std::isnan(d)) return 0;
@@ -239,18 +256,25 @@ int64_t Value::integerValue() const {
       if (d < -9223372036854775808.0) return std::numeric_limits<int64_t>::min();
       return static_cast<int64_t>(d);
     }
-    case Type::String: return leadingInteger(std::get<std::string>(storage_));
-    default: return 0;
+    case Type::String:
+      return leadingInteger(std::get<std::string>(storage_));
+    default:
+      return 0;
   }
 }
 
 double Value::doubleValue() const {
   switch (type()) {
-    case Type::Bool: return std::get<bool>(storage_) ? 1 : 0;
-    case Type::Integer: return static_cast<double>(std::get<int64_t>(storage_));
-    case Type::Double: return std::get<double>(storage_);
-    case Type::String: return leadingDouble(std::get<std::string>(storage_));
-    default: return 0;
+    case Type::Bool:
+      return std::get<bool>(storage_) ? 1 : 0;
+    case Type::Integer:
+      return static_cast<double>(std::get<int64_t>(storage_));
+    case Type::Double:
+      return std::get<double>(storage_);
+    case Type::String:
+      return leadingDouble(std::get<std::string>(storage_));
+    default:
+      return 0;
   }
 }
 
@@ -281,11 +305,16 @@ const Value& Value::at(size_t index) const {
 
 size_t Value::count() const {
   switch (type()) {
-    case Type::Array: return arrayItems().size();
-    case Type::Dictionary: return dictionaryItems().size();
-    case Type::Bytes: return bytesData().size();
-    case Type::String: return utf16Length(string());
-    default: return 0;
+    case Type::Array:
+      return arrayItems().size();
+    case Type::Dictionary:
+      return dictionaryItems().size();
+    case Type::Bytes:
+      return bytesData().size();
+    case Type::String:
+      return utf16Length(string());
+    default:
+      return 0;
   }
 }
 
@@ -306,12 +335,18 @@ void Value::append(Value value) {
 
 std::string Value::description() const {
   switch (type()) {
-    case Type::Nil: return "(null)";
-    case Type::Null: return "<null>";
-    case Type::Bool: return std::get<bool>(storage_) ? "1" : "0";
-    case Type::Integer: return std::to_string(std::get<int64_t>(storage_));
-    case Type::Double: return doubleText(std::get<double>(storage_));
-    case Type::String: return string();
+    case Type::Nil:
+      return "(null)";
+    case Type::Null:
+      return "<null>";
+    case Type::Bool:
+      return std::get<bool>(storage_) ? "1" : "0";
+    case Type::Integer:
+      return std::to_string(std::get<int64_t>(storage_));
+    case Type::Double:
+      return doubleText(std::get<double>(storage_));
+    case Type::String:
+      return string();
     case Type::Bytes: {
       static const char hex[] = "0123456789abcdef";
       std::string out = "<";
@@ -323,8 +358,10 @@ std::string Value::description() const {
       }
       return out + ">";
     }
-    case Type::Date: return dateText(dateSeconds());
-    case Type::Object: return asObject()->description();
+    case Type::Date:
+      return dateText(dateSeconds());
+    case Type::Object:
+      return asObject()->description();
     case Type::Array:
     case Type::Dictionary: {
       std::string out;

@@ -62,9 +62,9 @@ TEST_F(NewsServerTest, NewsListsCarryEveryItemKeyWithTextIdsNullsAndAllMediaType
   std::set<std::string> mediaTypes;
   bool sawNull = false, sawTimePart = false;
   for (const Value& item : all["result"].arrayItems()) {
-    for (const char* key : {"id", "new_title", "news_description", "created_date", "content_manger_name",
-                            "added_by_user_id", "added_by_user", "news_image_hd", "news_image_normal",
-                            "news_media_type", "news_source_url"}) {
+    for (const char* key :
+         {"id", "new_title", "news_description", "created_date", "content_manger_name", "added_by_user_id",
+          "added_by_user", "news_image_hd", "news_image_normal", "news_media_type", "news_source_url"}) {
       ASSERT_FALSE(item[key].isNil()) << key;
       sawNull = sawNull || item[key].isNull();
     }
@@ -119,11 +119,11 @@ TEST_F(NewsServerTest, AddUserGivesAnIdWhoseFeedIsTheFavouriteCategoriesAndSurvi
 }
 
 TEST_F(NewsServerTest, RequestsTheClientShouldNotSendAreRefused) {
-  for (const char* bad : {"showNews", "showNews?id=1&category_id=2", "showNews?category_id=x",
-                          "showNews?id=%28null%29", "getAllCategory?", "getFeaturedNews?page=2",
-                          "addUser?device_id=a&device_token=b", "addUser?device_id=a&device_token=b&fav_category=7,",
-                          "addFeedback?email=someone&feedback=hi", "addFeedback?email=a@b.cd&feedback=",
-                          "cms_App?id=one", "setReadCount?id=1&id=2", "setReadCount?id"}) {
+  for (const char* bad :
+       {"showNews", "showNews?id=1&category_id=2", "showNews?category_id=x", "showNews?id=%28null%29",
+        "getAllCategory?", "getFeaturedNews?page=2", "addUser?device_id=a&device_token=b",
+        "addUser?device_id=a&device_token=b&fav_category=7,", "addFeedback?email=someone&feedback=hi",
+        "addFeedback?email=a@b.cd&feedback=", "cms_App?id=one", "setReadCount?id=1&id=2", "setReadCount?id"}) {
     Value reply = call(bad, 400);
     EXPECT_TRUE(reply["status"].isBool() && !reply["status"].boolValue()) << bad;
     EXPECT_TRUE(reply["message"].isString()) << bad;

@@ -53,7 +53,8 @@ TEST(NewsVideosTest, EveryVideoStoryIsServedWithRangesAndPlaysThroughTheMediaFac
   ASSERT_TRUE(thumbnail) << error.description();
   EXPECT_EQ(thumbnail->width, 160);
   EXPECT_EQ(thumbnail->height, 120);
-  auto turned = platform::MediaImageGenerator(platform::MediaAsset::assetWithURL(server.baseUrl() + "/newsapp/videos/42.mp4"));
+  auto turned =
+      platform::MediaImageGenerator(platform::MediaAsset::assetWithURL(server.baseUrl() + "/newsapp/videos/42.mp4"));
   turned.setAppliesPreferredTrackTransform(true);
   auto portrait = turned.copyImageAtTime(0.5, nullptr, nullptr);
   ASSERT_TRUE(portrait);

@@ -41,8 +41,8 @@ std::string keyPart(const std::string& app = kApp) {
   std::vector<uint8_t> signature;
   for (size_t at = 0; at < text.size(); at += 256) {
     const std::string slice = text.substr(at, 256);
-    auto block = instanceKey().rawPrivateOperation(
-        std::span(reinterpret_cast<const uint8_t*>(slice.data()), slice.size()));
+    auto block =
+        instanceKey().rawPrivateOperation(std::span(reinterpret_cast<const uint8_t*>(slice.data()), slice.size()));
     signature.insert(signature.end(), block->begin(), block->end());
   }
   return "&appid=" + websafe(std::span(digest.data(), 8)) + "&pub2=" + pub2 + "&sig=" + websafe(signature);

@@ -18,7 +18,8 @@ struct SocketWatcher : messaging::MSGSecureSocketDelegate {
   void secureSocketDidConnect(messaging::MSGSecureSocket&) override { connected = true; }
   void didDisconnectWithSecureSocket(messaging::MSGSecureSocket&) override { disconnected = true; }
   void secureSocketDidReceiveData(messaging::MSGSecureSocket&, std::span<const uint8_t>, int8_t) override {}
-  void secureSocketDidSendProtoWithTag(messaging::MSGSecureSocket&, int8_t, const std::optional<std::string>&) override {}
+  void secureSocketDidSendProtoWithTag(messaging::MSGSecureSocket&, int8_t,
+                                       const std::optional<std::string>&) override {}
 };
 
 class RelayServerTest : public ::testing::Test {

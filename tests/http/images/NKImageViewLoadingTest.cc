@@ -13,7 +13,9 @@ namespace test = platform::test;
 
 class NKImageViewLoadingTest : public ImageTest {
  protected:
-  bool loaded(ImageView& view) { return runUntil([&] { return view.loadedImage() && !imageRequestOperation(view); }); }
+  bool loaded(ImageView& view) {
+    return runUntil([&] { return view.loadedImage() && !imageRequestOperation(view); });
+  }
 };
 
 TEST_F(NKImageViewLoadingTest, LoadsShowsAndSnapshotsTheImage) {
@@ -37,8 +39,9 @@ TEST_F(NKImageViewLoadingTest, OnlyTheLatestRequestLands) {
   put("b", test::png(5, 5));
   auto view = std::make_shared<ImageView>();
   int failures = 0;
-  setImageWithURLRequest(*view, NKURLRequest(server_.url("/hold")), "placeholder", nullptr,
-                         [&](const NKURLRequest&, const platform::HttpResponse*, const platform::Error&) { ++failures; });
+  setImageWithURLRequest(
+      *view, NKURLRequest(server_.url("/hold")), "placeholder", nullptr,
+      [&](const NKURLRequest&, const platform::HttpResponse*, const platform::Error&) { ++failures; });
   auto first = imageRequestOperation(*view);
   ASSERT_TRUE(server_.awaitHandler());
   setImageWithURL(*view, url("b"), "placeholder");
@@ -66,16 +69,19 @@ TEST_F(NKImageViewLoadingTest, CacheServesOtherViewsUntilAMemoryWarning) {
   EXPECT_FALSE(imageRequestOperation(*second));
   // A success callback hears a hit with neither request nor response.
   bool hit = false;
-  setImageWithURLRequest(*second, NKURLRequest(url("c")), "", [&](const NKURLRequest* request,
-      const platform::HttpResponse* response, std::shared_ptr<const Image> image) {
-    hit = !request && !response && image;
-  }, nullptr);
+  setImageWithURLRequest(
+      *second, NKURLRequest(url("c")), "",
+      [&](const NKURLRequest* request, const platform::HttpResponse* response, std::shared_ptr<const Image> image) {
+        hit = !request && !response && image;
+      },
+      nullptr);
   EXPECT_TRUE(hit);
   EXPECT_EQ(hits("c"), 1);
 
   platform::Application app;
   std::vector<std::string> events;
-  app.events()->subscribe([&](const platform::UiEvent& event) { events.push_back(platform::UiEvent::kindName(event.kind)); });
+  app.events()->subscribe(
+      [&](const platform::UiEvent& event) { events.push_back(platform::UiEvent::kindName(event.kind)); });
   app.receiveMemoryWarning();
   EXPECT_EQ(events, std::vector<std::string>{"memoryWarning"});
   EXPECT_EQ(NKImageCache::sharedImageCache().count(), 0u);
@@ -91,11 +97,12 @@ TEST_F(NKImageViewLoadingTest, FailuresLeaveThePlaceholder) {
   put("page", test::png(3, 3), "text/html");
   auto view = std::make_shared<ImageView>();
   std::optional<platform::Error> seen;
-  setImageWithURLRequest(*view, NKURLRequest(url("page")), "placeholder", nullptr,
-                         [&](const NKURLRequest&, const platform::HttpResponse* response, const platform::Error& error) {
-                           EXPECT_TRUE(response);
-                           seen = error;
-                         });
+  setImageWithURLRequest(
+      *view, NKURLRequest(url("page")), "placeholder", nullptr,
+      [&](const NKURLRequest&, const platform::HttpResponse* response, const platform::Error& error) {
+        EXPECT_TRUE(response);
+        seen = error;
+      });
   ASSERT_TRUE(runUntil([&] { return seen.has_value(); }));
   EXPECT_EQ(seen->code, NKSerializationError::kCannotDecodeContentData);
   EXPECT_EQ(view->image(), "placeholder");

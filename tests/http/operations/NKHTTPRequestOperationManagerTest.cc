@@ -13,7 +13,8 @@ class NKHTTPRequestOperationManagerTest : public OperationTest {};
 
 TEST_F(NKHTTPRequestOperationManagerTest, GetDecodesJsonOnTheMainQueue) {
   auto manager = NKHTTPRequestOperationManager::manager();
-  manager->requestSerializer = std::make_shared<NKHTTPRequestSerializer>(NKAppInfo{}, std::vector<std::string>{"de", "en"});
+  manager->requestSerializer =
+      std::make_shared<NKHTTPRequestSerializer>(NKAppInfo{}, std::vector<std::string>{"de", "en"});
   Value reply;
   bool onMain = false;
   auto operation = manager->GET(
@@ -36,8 +37,8 @@ TEST_F(NKHTTPRequestOperationManagerTest, PlainSerializerHandsOnBytesAndRefuses4
   auto manager = NKHTTPRequestOperationManager::manager();
   manager->responseSerializer = NKHTTPResponseSerializer::serializer();
   Value bytes;
-  manager->GET(server_.url("/html"), Value(), [&](const Operation&, const Value& object) { bytes = object; },
-               nullptr);
+  manager->GET(
+      server_.url("/html"), Value(), [&](const Operation&, const Value& object) { bytes = object; }, nullptr);
   std::optional<Error> failure;
   Operation failed;
   manager->GET(server_.url("/missing"), Value(), nullptr, [&](const Operation& operation, const Error& error) {
@@ -55,8 +56,7 @@ TEST_F(NKHTTPRequestOperationManagerTest, PlainSerializerHandsOnBytesAndRefuses4
 TEST_F(NKHTTPRequestOperationManagerTest, WrongContentTypeFailsWith1016) {
   auto manager = NKHTTPRequestOperationManager::manager();
   std::optional<Error> failure;
-  manager->GET(server_.url("/html"), Value(), nullptr,
-               [&](const Operation&, const Error& error) { failure = error; });
+  manager->GET(server_.url("/html"), Value(), nullptr, [&](const Operation&, const Error& error) { failure = error; });
   ASSERT_TRUE(runUntil([&] { return failure.has_value(); }));
   EXPECT_EQ(failure->code, -1016);
   EXPECT_EQ(failure->domain, "com.kriozugin.error.serialization.response");

@@ -23,12 +23,11 @@ class OperationTest : public ::testing::Test {
     // open; one request per connection lets the server stop at once.
     http.set_keep_alive_max_count(1);
     http.Get("/json", [](const httplib::Request& request, httplib::Response& response) {
-      const std::string query = request.target.find('?') == std::string::npos
-                                    ? ""
-                                    : request.target.substr(request.target.find('?') + 1);
-      response.set_content("{\"status\":1,\"query\":\"" + query + "\",\"lang\":\"" +
-                               request.get_header_value("Accept-Language") + "\"}",
-                           "application/json");
+      const std::string query =
+          request.target.find('?') == std::string::npos ? "" : request.target.substr(request.target.find('?') + 1);
+      response.set_content(
+          "{\"status\":1,\"query\":\"" + query + "\",\"lang\":\"" + request.get_header_value("Accept-Language") + "\"}",
+          "application/json");
     });
     http.Get("/missing", [](const httplib::Request&, httplib::Response& response) {
       response.status = 404;

@@ -27,7 +27,7 @@ TEST(ReachabilityTest, EachNumberingKeepsItsOwnRule) {
     int managerStatus;  // manager: WWAN 1, WiFi 2
   };
   const Case cases[] = {
-      {0, 0, 0},         {W, 0, 0},         {R, 1, 2},         {R | W, 2, 1},     {R | c | W, 2, 0},
+      {0, 0, 0},         {W, 0, 0},         {R, 1, 2},         {R | W, 2, 1},         {R | c | W, 2, 0},
       {R | c, 0, 0},     {R | c | D, 1, 2}, {R | c | C, 1, 2}, {R | c | D | i, 0, 0}, {R | c | C | W, 2, 1},
       {R | C | i, 1, 2}, {R | d, 1, 2},
   };

@@ -10,7 +10,7 @@ using testing::CertPtr;
 using testing::KeyPtr;
 
 TestChains make() {
-  constexpr std::time_t kFrom = 1577836800;  // 2020-01-01
+  constexpr std::time_t kFrom = 1577836800;   // 2020-01-01
   constexpr std::time_t kUntil = 2208988800;  // 2040-01-01
   auto cert = [&](EVP_PKEY* key, const char* name, long serial, X509* issuer, EVP_PKEY* issuerKey, bool isCa) {
     return CertificateMaker::makeCertificate(key, name, serial, issuer, issuerKey, isCa, kFrom, kUntil);
@@ -31,7 +31,8 @@ TestChains make() {
   chains.otherRoot = CertificateMaker::der(otherRoot.get());
   chains.otherLeaf = CertificateMaker::der(otherLeaf.get());
   chains.selfSigned = CertificateMaker::der(selfSigned.get());
-  chains.leafChainPem = CertificateMaker::certificatePem(leaf.get()) + CertificateMaker::certificatePem(intermediate.get());
+  chains.leafChainPem =
+      CertificateMaker::certificatePem(leaf.get()) + CertificateMaker::certificatePem(intermediate.get());
   chains.leafKeyPem = CertificateMaker::keyPem(leafKey.get());
   return chains;
 }

@@ -19,8 +19,8 @@ TEST(NKQueryStringTest, SortsNestsAndEscapes) {
   EXPECT_EQ(query(flat), "a=1&b=2");
   EXPECT_EQ(query(Value::dictionary({{"x", Value::dictionary({{"y", "1"}})}})), "x[y]=1");
   EXPECT_EQ(query(Value::dictionary({{"ids", Value::array({3, 1})}})), "ids[]=3&ids[]=1");
-  EXPECT_EQ(query(Value::dictionary({{"a", Value::dictionary({{"b", Value::array({Value::dictionary(
-                                                                        {{"d", "2"}, {"c", "1"}})})}})}})),
+  EXPECT_EQ(query(Value::dictionary(
+                {{"a", Value::dictionary({{"b", Value::array({Value::dictionary({{"d", "2"}, {"c", "1"}})})}})}})),
             "a[b][][c]=1&a[b][][d]=2");
   EXPECT_EQ(query(Value::dictionary({{"q", "a&b c"}})), "q=a%26b%20c");
   EXPECT_EQ(query(Value::dictionary({{"v", ":/?&=;+!@#$()',*"}})),

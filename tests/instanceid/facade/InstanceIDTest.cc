@@ -5,10 +5,10 @@
 #include "instanceid/checkin/InstanceIDCheckinService.h"
 #include "instanceid/facade/InstanceID.h"
 #include "instanceid/keypair/InstanceIDKeyPairStore.h"
+#include "instanceid/registration/RegistrationTestSupport.h"
 #include "instanceid/tokens/InstanceIDTokenManager.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/value/Format.h"
-#include "instanceid/registration/RegistrationTestSupport.h"
 
 namespace quillet::instanceid {
 namespace {
@@ -56,7 +56,8 @@ class InstanceIDTest : public ::testing::Test {
 };
 
 TEST_F(InstanceIDTest, ArgumentChecksAnswerOnTheMainQueueInTheirOrder) {
-  auto code = [this](InstanceID& instanceID, const std::string& entity, const std::string& scope, const Value& options) {
+  auto code = [this](InstanceID& instanceID, const std::string& entity, const std::string& scope,
+                     const Value& options) {
     TokenResult result;
     instanceID.tokenWithAuthorizedEntity(entity, scope, options, result.handler());
     EXPECT_EQ(result.callCount(), 0);
@@ -70,9 +71,9 @@ TEST_F(InstanceIDTest, ArgumentChecksAnswerOnTheMainQueueInTheirOrder) {
   auto instanceID = started();
   EXPECT_EQ(code(*instanceID, "e", "msg", Value::dictionary({{"apns_token", Value::bytes("x")}})),
             InstanceIDErrorCodeMissingAPNSServerType);
-  EXPECT_EQ(code(*instanceID, "e", "MSG",
-                 Value::dictionary({{"apns_token", Value("text")}, {"apns_sandbox", Value(false)}})),
-            InstanceIDErrorCodeUnknown);
+  EXPECT_EQ(
+      code(*instanceID, "e", "MSG", Value::dictionary({{"apns_token", Value("text")}, {"apns_sandbox", Value(false)}})),
+      InstanceIDErrorCodeUnknown);
   EXPECT_EQ(code(*instanceID, "", "MSG", kOptions), InstanceIDErrorCodeInvalidEntity);
   EXPECT_EQ(code(*instanceID, "e", "", Value()), InstanceIDErrorCodeInvalidScope);
 

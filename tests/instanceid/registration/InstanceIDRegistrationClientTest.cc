@@ -7,9 +7,9 @@
 #include "instanceid/registration/InstanceIDCommandHandler.h"
 #include "instanceid/registration/InstanceIDRegistrar.h"
 #include "instanceid/registration/InstanceIDRegistrationContent.h"
+#include "instanceid/registration/RegistrationTestSupport.h"
 #include "instanceid/support/InstanceIDLogger.h"
 #include "platform/registry/ClassRegistry.h"
-#include "instanceid/registration/RegistrationTestSupport.h"
 #include "platform/value/Format.h"
 
 namespace quillet::instanceid {
@@ -68,7 +68,9 @@ TEST_F(RegistrationTest, FetchRequestCarriesHeadersFieldsInOrderAVerifiableSigna
   install.reply("token=|ID|1|PING|:t");
   TokenResult result;
   fetch(result, "MSG",
-        {{"apns_token", platform::Value("p_ab")}, {"apns_sandbox", platform::Value(false)}, {"other", platform::Value(1)}});
+        {{"apns_token", platform::Value("p_ab")},
+         {"apns_sandbox", platform::Value(false)},
+         {"other", platform::Value(1)}});
   ASSERT_EQ(install.requests().size(), 1u);
   const platform::HttpRequest request = install.requests()[0];
   EXPECT_EQ(request.method, "POST");
@@ -80,7 +82,8 @@ TEST_F(RegistrationTest, FetchRequestCarriesHeadersFieldsInOrderAVerifiableSigna
   const std::string body = RegistrationInstall::body(request);
   const uint64_t id = RegistrationInstall::requestID(request);
   const std::string head = platform::format(
-      "sender=ent&app=app.test&device=4000000000000000001&app_ver=2.0&X-subtype=ent&X-scope=MSG&plat=2&X-kid=%lu&appid=",
+      "sender=ent&app=app.test&device=4000000000000000001&app_ver=2.0&X-subtype=ent&X-scope=MSG&plat=2&X-kid=%lu&"
+      "appid=",
       {platform::Value(id)});
   ASSERT_TRUE(body.starts_with(head)) << body;
   EXPECT_EQ(body.find("X-msg_ver"), std::string::npos);
@@ -114,12 +117,13 @@ TEST_F(RegistrationTest, FetchRequestCarriesHeadersFieldsInOrderAVerifiableSigna
 }
 
 TEST_F(RegistrationTest, MessagingVersionIsSentOnlyWhenTheMessagingClassTellsOne) {
-  platform::ClassRegistry::shared().registerOperation("MSGService", "MSGSDKVersion",
-                                                      [](const std::vector<platform::Value>&) { return platform::Value("3.1"); });
+  platform::ClassRegistry::shared().registerOperation(
+      "MSGService", "MSGSDKVersion", [](const std::vector<platform::Value>&) { return platform::Value("3.1"); });
   const std::string withVersion = InstanceIDRegistrationContent::fetchRequestContent("e", "s", "d", *install.env(), 4);
   platform::ClassRegistry::shared().removeClass("MSGService");
   EXPECT_TRUE(withVersion.ends_with("&X-kid=4&X-msg_ver=3.1")) << withVersion;
-  EXPECT_TRUE(InstanceIDRegistrationContent::fetchRequestContent("e", "s", "d", *install.env(), 4).ends_with("&X-kid=4"));
+  EXPECT_TRUE(
+      InstanceIDRegistrationContent::fetchRequestContent("e", "s", "d", *install.env(), 4).ends_with("&X-kid=4"));
 }
 
 TEST_F(RegistrationTest, TokenBelongsOnlyToTheRequestItAnswersAndAuthTokenIsKept) {
@@ -222,13 +226,14 @@ TEST_F(RegistrationTest, DeletesSendTheDeleteBodyAndAcceptOnlyDeletedReplies) {
   EXPECT_FALSE(ok.error);
   const platform::HttpRequest request = install.requests()[0];
   EXPECT_FALSE(request.headers.contains("info"));
-  const std::string expected = platform::format(
-      "device=4000000000000000001&app=app.test&app_ver=2.0&X-scope=MSG&X-kid=%lu&delete=true&appid=",
-      {platform::Value(RegistrationInstall::requestID(request))});
+  const std::string expected =
+      platform::format("device=4000000000000000001&app=app.test&app_ver=2.0&X-scope=MSG&X-kid=%lu&delete=true&appid=",
+                       {platform::Value(RegistrationInstall::requestID(request))});
   EXPECT_TRUE(RegistrationInstall::body(request).starts_with(expected)) << RegistrationInstall::body(request);
 
   TokenResult refused;
-  registrar->deleteTokenWithAuthorizedEntity("ent", "MSG", RegistrationInstall::sharedKeyPair(), refused.deleteHandler());
+  registrar->deleteTokenWithAuthorizedEntity("ent", "MSG", RegistrationInstall::sharedKeyPair(),
+                                             refused.deleteHandler());
   ASSERT_TRUE(install.runUntil([&] { return refused.callCount() > 0; }));
   EXPECT_EQ(refused.errorCode(), InstanceIDErrorCodeInvalidResponse);
 }

@@ -45,8 +45,9 @@ class RegistrationInstall {
   explicit RegistrationInstall(const std::optional<std::filesystem::path>& templateRoot)
       : clock_(std::make_shared<platform::ManualClock>()), loop_(std::make_shared<platform::RunLoop>(clock_)) {
     if (templateRoot) {
-      std::filesystem::copy(*templateRoot, dir_.path(),
-                            std::filesystem::copy_options::recursive | std::filesystem::copy_options::overwrite_existing);
+      std::filesystem::copy(
+          *templateRoot, dir_.path(),
+          std::filesystem::copy_options::recursive | std::filesystem::copy_options::overwrite_existing);
     }
     clock_->setWallSeconds(1500000000.0);
     fileSystem_ = std::make_shared<platform::FileSystem>(dir_.path());
@@ -70,8 +71,8 @@ class RegistrationInstall {
         [this](const platform::HttpRequest& request, InstanceIDRegistrationClient::RegistrationTestCompletion done) {
           std::unique_lock lock(mutex_);
           requests_.push_back(request);
-          CannedReply reply = replies_.empty() ? CannedReply{"Error=NO_REPLY_QUEUED", {}, std::nullopt, false}
-                                               : replies_.front();
+          CannedReply reply =
+              replies_.empty() ? CannedReply{"Error=NO_REPLY_QUEUED", {}, std::nullopt, false} : replies_.front();
           if (!replies_.empty() && !sticky_) replies_.pop_front();
           if (reply.hold) {
             held_.push_back(std::move(done));
@@ -144,8 +145,8 @@ class RegistrationInstall {
   static std::shared_ptr<InstanceIDKeyPair> sharedKeyPair() {
     static auto* keyPair = [] {
       auto rsa = platform::RsaKeyPair::generate();
-      return new std::shared_ptr<InstanceIDKeyPair>(std::make_shared<InstanceIDKeyPair>(
-          *rsa, rsa->publicKey(), rsa->publicKeyDer(), rsa->privateKeyDer()));
+      return new std::shared_ptr<InstanceIDKeyPair>(
+          std::make_shared<InstanceIDKeyPair>(*rsa, rsa->publicKey(), rsa->publicKeyDer(), rsa->privateKeyDer()));
     }();
     return *keyPair;
   }
@@ -194,7 +195,9 @@ struct TokenResult {
     };
   }
   // Error answers come on a session queue: let a waiting main loop look again.
-  static void wakeMainLoop() { platform::RunLoop::main().post([] {}); }
+  static void wakeMainLoop() {
+    platform::RunLoop::main().post([] {});
+  }
   int callCount() {
     std::lock_guard lock(mutex);
     return calls;

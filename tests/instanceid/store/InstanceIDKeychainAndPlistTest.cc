@@ -103,7 +103,8 @@ TEST(InstanceIDCheckinPreferencesTest, ValidityBoundaryAndKeychainText) {
   EXPECT_FALSE(InstanceIDCheckinPreferences::preferencesFromKeychainContents("1|"));
   EXPECT_FALSE(InstanceIDCheckinPreferences::preferencesFromKeychainContents("12"));
 
-  preferences.updateWithCheckinPlistContents({{"IIDDigestKey", Value("d")}, {"Unknown", Value(1)},
+  preferences.updateWithCheckinPlistContents({{"IIDDigestKey", Value("d")},
+                                              {"Unknown", Value(1)},
                                               {"IIDServicesData", Value(Value::Dictionary{{"a", Value(1)}})}});
   const auto contents = preferences.checkinPlistContents();
   EXPECT_EQ(contents.size(), 5u);

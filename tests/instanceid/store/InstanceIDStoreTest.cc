@@ -23,7 +23,6 @@ struct StoreFixture : ::testing::Test {
     preferences.setLastCheckinTimestampMillis(5);
     return store.saveCheckinPreferences(preferences, nullptr);
   }
-
 };
 
 TEST_F(StoreFixture, SecondStartKeepsEverything) {

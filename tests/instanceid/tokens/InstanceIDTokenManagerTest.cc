@@ -2,8 +2,8 @@
 // keeps, and what an app update or an APNs change drops.
 #include <gtest/gtest.h>
 
-#include "instanceid/tokens/InstanceIDTokenManager.h"
 #include "instanceid/registration/RegistrationTestSupport.h"
+#include "instanceid/tokens/InstanceIDTokenManager.h"
 
 namespace quillet::instanceid {
 namespace {
@@ -75,8 +75,8 @@ TEST_F(TokenManagerTest, AppUpdateDropsOnlyMessagingTokensButReportsEveryScopeSt
   fetch("other", {});
   auto updated = std::make_shared<InstanceIDEnvironment>(*install.env());
   updated->appVersion = "2.1";
-  auto updatedManager = std::make_shared<InstanceIDTokenManager>(
-      InstanceIDStore::defaultStore(updated, nullptr), nullptr, updated);
+  auto updatedManager =
+      std::make_shared<InstanceIDTokenManager>(InstanceIDStore::defaultStore(updated, nullptr), nullptr, updated);
   const InstanceIDCachedToken lookup = updatedManager->tokenWithAuthorizedEntity("ent", "other", {});
   EXPECT_EQ(lookup.status, InstanceIDCachedToken::StatusStale);
   updatedManager->invalidateCachedToken(lookup, "ent", "other", {});

@@ -34,7 +34,8 @@ TEST_F(MSGCheckinFixture, CredentialsCountOnlyBesideAPlist) {
   writeCredential("123|456");
   EXPECT_FALSE(store->cachedCheckinPreferences());
 
-  writePlist({{"IIDDigestKey", Value("d")}, {"IIDVersionInfo", Value("v")},
+  writePlist({{"IIDDigestKey", Value("d")},
+              {"IIDVersionInfo", Value("v")},
               {"IIDLastCheckinTimestampKey", Value(static_cast<long long>(now()))}});
   auto preferences = store->cachedCheckinPreferences();
   ASSERT_TRUE(preferences);
@@ -70,7 +71,8 @@ TEST_F(MSGCheckinFixture, BadPasswordsAndMissingTimestamp) {
 }
 
 TEST_F(MSGCheckinFixture, OldPlistPairStandsInForAMissingKeychainItem) {
-  writePlist({{"IIDDeviceAuthIdKey", Value("7")}, {"IIDSecretTokenKey", Value("8")},
+  writePlist({{"IIDDeviceAuthIdKey", Value("7")},
+              {"IIDSecretTokenKey", Value("8")},
               {"IIDLastCheckinTimestampKey", Value(static_cast<long long>(now()))}});
   auto preferences = store->cachedCheckinPreferences();
   ASSERT_TRUE(preferences);
@@ -89,8 +91,8 @@ TEST_F(MSGCheckinFixture, RemovalAndNoWildcards) {
 
   EXPECT_TRUE(store->removeCheckinPreferences(nullptr));
   EXPECT_FALSE(store->hasCheckinPlist());
-  EXPECT_FALSE(itemKeychain.passwordForService("com.stikri.iid.checkin-service", "com.stikri.iid.checkin-account",
-                                               nullptr));
+  EXPECT_FALSE(
+      itemKeychain.passwordForService("com.stikri.iid.checkin-service", "com.stikri.iid.checkin-account", nullptr));
   EXPECT_TRUE(store->removeCheckinPreferences(nullptr));  // nothing left is no failure
 }
 

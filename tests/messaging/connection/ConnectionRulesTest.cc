@@ -32,8 +32,8 @@ struct CountingClient : MSGConnectionDelegate, MSGConnectionResender {
 class ConnectionRulesTest : public ::testing::Test {
  protected:
   ConnectionRulesTest() {
-    connection = std::make_unique<MSGConnection>("4660", "secret", "relay.test", 5228, loop, std::weak_ptr<MSGRmqManager>(),
-                                                 client, [this](platform::RunLoop& l) {
+    connection = std::make_unique<MSGConnection>("4660", "secret", "relay.test", 5228, loop,
+                                                 std::weak_ptr<MSGRmqManager>(), client, [this](platform::RunLoop& l) {
                                                    stream = std::make_shared<MSGMemoryStream>(l);
                                                    return stream;
                                                  });

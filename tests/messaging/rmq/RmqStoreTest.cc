@@ -60,10 +60,12 @@ TEST_F(RmqStoreTest, SavedMessageSurvivesRestartAndScansInIdOrder) {
   EXPECT_EQ(manager->rmqId(), 5);
   std::vector<int64_t> ids;
   std::vector<std::string> categories;
-  manager->scanWithRmqMessageHandler([&](int64_t id, int8_t tag, const std::vector<uint8_t>&) {
-    ids.push_back(id);
-    EXPECT_EQ(tag, 8);
-  }, [&](int64_t, const RelayDataMessageStanza& stanza) { categories.push_back(stanza.category()); });
+  manager->scanWithRmqMessageHandler(
+      [&](int64_t id, int8_t tag, const std::vector<uint8_t>&) {
+        ids.push_back(id);
+        EXPECT_EQ(tag, 8);
+      },
+      [&](int64_t, const RelayDataMessageStanza& stanza) { categories.push_back(stanza.category()); });
   EXPECT_EQ(ids, (std::vector<int64_t>{2, 3, 4}));
   EXPECT_EQ(categories, (std::vector<std::string>{"one", "two", "three"}));
 }
@@ -99,8 +101,9 @@ TEST_F(RmqStoreTest, OldIntegerTableIsDroppedWithoutCopyingIds) {
   open();
   {
     auto database = platform::SqliteDatabase::open(path().string());
-    ASSERT_TRUE(database->exec("CREATE TABLE s2dRmqIds (_id INTEGER PRIMARY KEY, rmq_id INTEGER);"
-                               "INSERT INTO s2dRmqIds (rmq_id) VALUES (77);"));
+    ASSERT_TRUE(
+        database->exec("CREATE TABLE s2dRmqIds (_id INTEGER PRIMARY KEY, rmq_id INTEGER);"
+                       "INSERT INTO s2dRmqIds (rmq_id) VALUES (77);"));
   }
   auto manager = open();
   auto database = platform::SqliteDatabase::open(path().string());

@@ -36,8 +36,9 @@ class AppDelegateTest : public ::testing::Test {
   // A fresh process over the same data root.
   void makeApp() {
     app_ = std::make_shared<platform::Application>(std::make_shared<platform::UiEvents>());
-    delegate_ = std::make_shared<AppDelegate>(AppServices{std::make_shared<news::testing::FakeContext>(), msg_, pubSub_, iid_},
-                                              fileSystem_, defaults_, center_, MainStoryboard::make(AppEnvironment{&defaults_, loop_.get(), fileSystem_}));
+    delegate_ = std::make_shared<AppDelegate>(
+        AppServices{std::make_shared<news::testing::FakeContext>(), msg_, pubSub_, iid_}, fileSystem_, defaults_,
+        center_, MainStoryboard::make(AppEnvironment{&defaults_, loop_.get(), fileSystem_}));
     app_->setDelegate(delegate_);
   }
 
@@ -125,8 +126,8 @@ TEST_F(AppDelegateTest, PushReplacesTheStackWithAFreshFeedAndStoresTheStory) {
 }
 
 TEST_F(AppDelegateTest, ColdStartPushRoutesBeforeMessagingStarts) {
-  app_->launch(Value::dictionary({{"UIApplicationLaunchOptionsRemoteNotificationKey",
-                                   Value::dictionary({{"post_id", "abc"}})}}));
+  app_->launch(Value::dictionary(
+      {{"UIApplicationLaunchOptionsRemoteNotificationKey", Value::dictionary({{"post_id", "abc"}})}}));
   EXPECT_EQ(app_->window().stackIdentifiers(), std::vector<std::string>{"HomeVC"});
   EXPECT_EQ(defaults_.stringForKey("NewsID"), "abc");
   EXPECT_EQ(calls_, std::vector<std::string>{"msg.start"});

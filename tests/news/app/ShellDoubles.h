@@ -51,7 +51,9 @@ struct FakeInstanceID : InstanceID {
     if (token) {
       handler(token, std::nullopt);
     } else {
-      handler(std::nullopt, platform::Error("com.stikri.iid", 5, platform::Value::dictionary({{"NSLocalizedDescription", "no token today"}})));
+      handler(std::nullopt,
+              platform::Error("com.stikri.iid", 5,
+                              platform::Value::dictionary({{"NSLocalizedDescription", "no token today"}})));
     }
   }
 };

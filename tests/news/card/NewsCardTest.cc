@@ -58,9 +58,9 @@ TEST_F(NewsCardTest, DatesThatDoNotFitExactlyGiveNullTexts) {
 }
 
 TEST_F(NewsCardTest, TextsFollowTheNullRulesButThePostedByLineDoesNot) {
-  auto card = NewsCard::make(item({{"new_title", Value::null()}, {"news_description", Value("")},
-                                   {"content_manger_name", Value::null()}}),
-                             "Day", "HD", Value::Array{});
+  auto card = NewsCard::make(
+      item({{"new_title", Value::null()}, {"news_description", Value("")}, {"content_manger_name", Value::null()}}),
+      "Day", "HD", Value::Array{});
   EXPECT_EQ(card.title, "");
   EXPECT_EQ(card.body, "");
   EXPECT_EQ(card.postedBy, "Posted By <null> | 01st Jan 2016");
@@ -95,9 +95,9 @@ TEST_F(NewsCardTest, MediaBranchesPickTheirFields) {
   EXPECT_EQ(video.videoURL, "http://img.test/n.png");  // the normal field carries the video, whatever the setting
   EXPECT_DOUBLE_EQ(video.barAlpha, 1.0);
 
-  auto inline_ = NewsCard::make(
-      item({{"news_media_type", Value("YouTube Video")}, {"news_image_normal", Value("http://v.test/watch?v=ab-C_1&t=2")}}),
-      "", "HD", Value());
+  auto inline_ = NewsCard::make(item({{"news_media_type", Value("YouTube Video")},
+                                      {"news_image_normal", Value("http://v.test/watch?v=ab-C_1&t=2")}}),
+                                "", "HD", Value());
   EXPECT_EQ(inline_.media, NewsCardContent::Media::InlineVideo);
   EXPECT_EQ(inline_.videoId, "ab-C_1");
 

@@ -134,17 +134,18 @@ TEST(DemoRendererTest, PagesShowTheirTextsAndTheOverlayOnlyWhileItShows) {
         {{"lblTitle", Value::dictionary({{"kind", Value("label")}, {"text", Value("Privacy Policy")}})},
          {"txtDetails", Value::dictionary({{"kind", Value("textView")}, {"text", Value("We keep little.")}})},
          {"webView", Value::dictionary({{"kind", Value("webView")}, {"url", Value("http://x/story/1")}})},
-         {"HUD", Value::dictionary({{"kind", Value("progressHUD")}, {"labelText", Value("Loading.....")},
-                                    {"alpha", Value(hudAlpha)}})}});
+         {"HUD",
+          Value::dictionary(
+              {{"kind", Value("progressHUD")}, {"labelText", Value("Loading.....")}, {"alpha", Value(hudAlpha)}})}});
   };
-  const std::string shown = DemoRenderer::screen(
-      Value::dictionary({{"screen", Value("Page")}, {"outlets", outlets(1)}}), Value(), 60);
-  for (const char* line : {"Privacy Policy\n", "[txtDetails] We keep little.\n", "[page] http://x/story/1\n",
-                           "[Loading.....]\n"}) {
+  const std::string shown =
+      DemoRenderer::screen(Value::dictionary({{"screen", Value("Page")}, {"outlets", outlets(1)}}), Value(), 60);
+  for (const char* line :
+       {"Privacy Policy\n", "[txtDetails] We keep little.\n", "[page] http://x/story/1\n", "[Loading.....]\n"}) {
     EXPECT_NE(shown.find(line), std::string::npos) << line << " in " << shown;
   }
-  const std::string faded = DemoRenderer::screen(
-      Value::dictionary({{"screen", Value("Page")}, {"outlets", outlets(0)}}), Value(), 60);
+  const std::string faded =
+      DemoRenderer::screen(Value::dictionary({{"screen", Value("Page")}, {"outlets", outlets(0)}}), Value(), 60);
   EXPECT_EQ(faded.find("Loading"), std::string::npos);
 }
 
@@ -161,7 +162,8 @@ TEST(LineSinkTest, HandsOverEachLineAndTheUnfinishedOneAtTheEnd) {
   {
     LineSink sink([&](const std::string& line) { lines.push_back(line); });
     std::ostream out(&sink);
-    out << "a\nb" << 'c' << "\n" << "tail";
+    out << "a\nb" << 'c' << "\n"
+        << "tail";
   }
   EXPECT_EQ(lines, (std::vector<std::string>{"a", "bc", "tail"}));
 }

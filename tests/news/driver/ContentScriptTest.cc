@@ -63,8 +63,11 @@ TEST_F(ContentScriptTest, TextPagesFeedbackAndTheFullStory) {
 
   // Feedback: the hint goes while the message is edited, the view moves up,
   // a bad address is refused with a toast, a good one is sent and stored.
-  const Value editing = play("tap btnBack\nwait 1\nselect 2\nwait 1\ntype txtEmail not-an-address\n"
-                             "begin-edit txtMessage\nwait 1\nscreen\n").named("screen").at(0)["page"];
+  const Value editing = play(
+                            "tap btnBack\nwait 1\nselect 2\nwait 1\ntype txtEmail not-an-address\n"
+                            "begin-edit txtMessage\nwait 1\nscreen\n")
+                            .named("screen")
+                            .at(0)["page"];
   EXPECT_EQ(editing["editing"], Value("txtMessage"));
   EXPECT_EQ(editing["message"], Value(""));
   EXPECT_GT(editing["viewOffset"].doubleValue(), 0);
@@ -77,13 +80,12 @@ TEST_F(ContentScriptTest, TextPagesFeedbackAndTheFullStory) {
   auto sent = play("type txtEmail reader@example.org\ntap btnSubmit\nsettle\nwait 1\nalert-tap OK\n");
   ASSERT_EQ(sent.named("alertShown").size(), 1u);
   EXPECT_EQ(sent.named("alertShown")[0]["info"]["message"], Value("Message sent successfully."));
-  EXPECT_EQ(server_->store()->feedback(),
-            Value::array({Value::dictionary({{"email", Value("reader@example.org")},
-                                             {"feedback", Value("Lovely ferries")}})}));
+  EXPECT_EQ(server_->store()->feedback(), Value::array({Value::dictionary({{"email", Value("reader@example.org")},
+                                                                           {"feedback", Value("Lovely ferries")}})}));
 
   // The full story: the card's link, loaded, with the overlay gone.
-  const Value story = play("tap btnHideOption\nwait 1\ntap btnFullStory\nsettle\nwait 1\nscreen\n")
-                          .named("screen").at(0)["page"];
+  const Value story =
+      play("tap btnHideOption\nwait 1\ntap btnFullStory\nsettle\nwait 1\nscreen\n").named("screen").at(0)["page"];
   EXPECT_NE(story["url"].string().find("/newsapp/story/"), std::string::npos) << story["url"].string();
   EXPECT_EQ(story["loading"], Value(false));
   EXPECT_EQ(story["overlay"]["labelText"], Value("Loading....."));
@@ -93,8 +95,9 @@ TEST_F(ContentScriptTest, TextPagesFeedbackAndTheFullStory) {
 
 TEST_F(ContentScriptTest, SharingThePlayerAndTheScreenshot) {
   play(kOnboard);
-  auto shared = play("tap btnShare\nclose-sheet\nwait 1\nshare 1\nclose-sheet\nwait 1\nshare 2\nshare 3\n"
-                     "share 4\nalert-tap OK\nwait 1\n");
+  auto shared = play(
+      "tap btnShare\nclose-sheet\nwait 1\nshare 1\nclose-sheet\nwait 1\nshare 2\nshare 3\n"
+      "share 4\nalert-tap OK\nwait 1\n");
   ASSERT_EQ(shared.named("alertShown").size(), 1u);  // the chat app is not installed
   EXPECT_EQ(shared.named("alertShown")[0]["text"], Value("WhatsApp not installed."));
   EXPECT_TRUE(shared.named("urlOpened").empty());
@@ -117,8 +120,9 @@ TEST_F(ContentScriptTest, SharingThePlayerAndTheScreenshot) {
   EXPECT_EQ(chatImage->width, 750);
 
   // "Let Go": the empty alert without a mail account, the composer with one.
-  auto mail = play("tap btnOption\nselect 0\nalert-tap \nwait 1\nmail-account on\nselect 0\nwait 1\n"
-                   "mail-finish sent\nwait 1\ntap btnHideOption\nwait 1\n");
+  auto mail = play(
+      "tap btnOption\nselect 0\nalert-tap \nwait 1\nmail-account on\nselect 0\nwait 1\n"
+      "mail-finish sent\nwait 1\ntap btnHideOption\nwait 1\n");
   ASSERT_EQ(mail.named("alertShown").size(), 1u);
   EXPECT_EQ(mail.named("alertShown")[0]["info"]["message"], Value(""));
   ASSERT_EQ(mail.named("screenPresented").size(), 1u);
@@ -135,20 +139,25 @@ TEST_F(ContentScriptTest, SharingThePlayerAndTheScreenshot) {
   ASSERT_EQ(media["kind"], Value("inlineVideo"));
   EXPECT_EQ(media["videoId"], Value("qt009_Demo-2"));
   EXPECT_EQ(media["ready"], Value(true));  // the page's own onReady
-  media = play("page-event onStateChange 1\npage-event onPlaybackQualityChange hd720\npage-event onPlayTime 12.5\n"
-               "screen\n").named("screen").at(0)["feed"]["card"]["media"];
+  media = play(
+              "page-event onStateChange 1\npage-event onPlaybackQualityChange hd720\npage-event onPlayTime 12.5\n"
+              "screen\n")
+              .named("screen")
+              .at(0)["feed"]["card"]["media"];
   EXPECT_EQ(media["state"], Value("playing"));
   EXPECT_EQ(media["quality"], Value("hd720"));
   EXPECT_EQ(media["playTime"], Value(12.5));
-  media = play("page-event onError 150\npage-event onStateChange 9\nscreen\n").named("screen").at(0)["feed"]["card"]["media"];
+  media = play("page-event onError 150\npage-event onStateChange 9\nscreen\n")
+              .named("screen")
+              .at(0)["feed"]["card"]["media"];
   EXPECT_EQ(media["error"], Value("notEmbeddable"));
   EXPECT_EQ(media["state"], Value("unknown"));
 
   // The title's pixels change with night mode; the picture has the screen's size in pixels.
   const auto day = phoneDir_.path() / "day.png";
   const auto night = phoneDir_.path() / "night.png";
-  play("screenshot " + day.string() + "\ntap btnOption\nswitch night on\ntap btnHideOption\nwait 1\n" +
-       "screenshot " + night.string() + "\n");
+  play("screenshot " + day.string() + "\ntap btnOption\nswitch night on\ntap btnHideOption\nwait 1\n" + "screenshot " +
+       night.string() + "\n");
   auto dayShot = decodeFile(day);
   auto nightShot = decodeFile(night);
   ASSERT_TRUE(dayShot && nightShot);

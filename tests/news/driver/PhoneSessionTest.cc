@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "backend/news/NewsServer.h"
 #include "PhoneScript.h"
+#include "backend/news/NewsServer.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -39,10 +39,9 @@ class PhoneSessionTest : public ::testing::Test {
 
 TEST_F(PhoneSessionTest, FirstLaunchWaitsOnTheSplashThenShowsOnboarding) {
   auto events = play("launch\nwait 4\nscreen\nquit\nscreen\n");
-  EXPECT_EQ(names(events),
-            (std::vector<std::string>{"notificationSettingsRegistered", "remoteNotificationsRegistered",
-                                      "screenReplaced", "badgeChanged", "alertShown", "screenPushed", "screen",
-                                      "quit"}));
+  EXPECT_EQ(names(events), (std::vector<std::string>{"notificationSettingsRegistered", "remoteNotificationsRegistered",
+                                                     "screenReplaced", "badgeChanged", "alertShown", "screenPushed",
+                                                     "screen", "quit"}));
   EXPECT_EQ(events[1]["number"], Value(1));
   EXPECT_EQ(events[2]["screen"], Value("SplashVC"));
   EXPECT_EQ(events[4]["info"]["message"], Value("No Internet Connection Found"));  // onboarding asks for categories
@@ -59,11 +58,12 @@ TEST_F(PhoneSessionTest, FirstLaunchWaitsOnTheSplashThenShowsOnboarding) {
 }
 
 TEST_F(PhoneSessionTest, BadCommandsAreReportedAndTheSessionGoesOn) {
-  auto events = play("fly away\nwait soon\npush [1]\ndevice-token 0g\nscreenshot\nshare 1\nlaunch\nlaunch\n"
-                     "alert-tap OK\ntype\nbegin-edit txtNowhere\nshare one\npage-event onReady\nmail-finish sent\n"
-                     "mail-finish maybe\nclose-sheet\ndevice watch\nmail-account maybe\n"
-                     "push {\"post_id\": 12}\ndevice-token <0a1b2c3d 4e>\ndefaults\n",
-                     true);
+  auto events = play(
+      "fly away\nwait soon\npush [1]\ndevice-token 0g\nscreenshot\nshare 1\nlaunch\nlaunch\n"
+      "alert-tap OK\ntype\nbegin-edit txtNowhere\nshare one\npage-event onReady\nmail-finish sent\n"
+      "mail-finish maybe\nclose-sheet\ndevice watch\nmail-account maybe\n"
+      "push {\"post_id\": 12}\ndevice-token <0a1b2c3d 4e>\ndefaults\n",
+      true);
   int errors = 0;
   for (const Value& event : events) errors += event["event"] == Value("error");
   EXPECT_EQ(errors, 17);
@@ -73,7 +73,8 @@ TEST_F(PhoneSessionTest, BadCommandsAreReportedAndTheSessionGoesOn) {
   EXPECT_EQ(values["badgeCount"], Value(1));
   bool logged = false;
   for (const Value& event : events) {
-    logged |= event["event"] == Value("log") && event["message"] == Value("Device ..............................token: 0a1b2c3d4e");
+    logged |= event["event"] == Value("log") &&
+              event["message"] == Value("Device ..............................token: 0a1b2c3d4e");
   }
   EXPECT_TRUE(logged);
 }
@@ -86,9 +87,10 @@ TEST_F(PhoneSessionTest, RequestsGoThroughTheApiClientOrMeetTheNoNetworkAlert) {
   backend::NewsServer server(serverOptions);
   ASSERT_TRUE(server.start());
 
-  auto all = play("launch\nrequest getAllCategory\nsettle\nrequest showNews {\"id\": \"999999\"}\nsettle\n"
-                  "network none\nrequest getFeaturedNews\nsettle\nrequest\n",
-                  false, "wifi", server.apiUrl());
+  auto all = play(
+      "launch\nrequest getAllCategory\nsettle\nrequest showNews {\"id\": \"999999\"}\nsettle\n"
+      "network none\nrequest getFeaturedNews\nsettle\nrequest\n",
+      false, "wifi", server.apiUrl());
   std::vector<Value> events;
   for (const Value& event : all) {
     const std::string name = event["event"].string();
@@ -96,8 +98,8 @@ TEST_F(PhoneSessionTest, RequestsGoThroughTheApiClientOrMeetTheNoNetworkAlert) {
       events.push_back(event);
     }
   }
-  EXPECT_EQ(names(events), (std::vector<std::string>{"requestSucceeded", "requestFailed", "network", "alertShown",
-                                                     "error"}));
+  EXPECT_EQ(names(events),
+            (std::vector<std::string>{"requestSucceeded", "requestFailed", "network", "alertShown", "error"}));
   EXPECT_EQ(events[0]["method"], Value("getAllCategory"));
   EXPECT_GE(events[0]["reply"]["result"].count(), 8u);
   EXPECT_EQ(events[1]["reply"]["status"].boolValue(), false);

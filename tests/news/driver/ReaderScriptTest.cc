@@ -27,8 +27,8 @@ TEST_F(ReaderScriptTest, AReaderOnboardsAndReadsTheNews) {
       "check 6\ncheck 2\ntap btnNext\nsettle\nsettle\nscreen\n"  // categories 7 then 3
       "swipe right\nswipe left\nscreen\nswipe right\nscreen\n"
       "tap lblNewsTitle\ntap lblNewsTitle\n"
-      "tap btnMenu\nscreen\nselect 5\nscreen\n"                    // Bookmarks: empty
-      "tap btnMenu\nselect 4\nscreen\n"                             // Unread
+      "tap btnMenu\nscreen\nselect 5\nscreen\n"                            // Bookmarks: empty
+      "tap btnMenu\nselect 4\nscreen\n"                                    // Unread
       "tap btnMenu\nselect 6\nsettle\nscreen\nselect 7\nsettle\nscreen\n"  // More, then the first category
       "tap btnRefresh\nsettle\n"
       "tap btnOption\nswitch night on\nswitch hd off\nscreen\n"

@@ -33,8 +33,8 @@ TEST_F(CardVideoTest, TheThumbnailComesLaterEvenOverTheNextCard) {
 }
 
 TEST_F(CardVideoTest, PlayRunsToTheEndAndAnUnplayableVideoOnlyToasts) {
-  home_->showNewsSuccess(Fixture::reply({Fixture::story("1", "Video", video_ + ".missing"),
-                                         Fixture::story("2", "Video", video_)}));
+  home_->showNewsSuccess(
+      Fixture::reply({Fixture::story("1", "Video", video_ + ".missing"), Fixture::story("2", "Video", video_)}));
   fixture_.loop_->advance(0.2);
   EXPECT_FALSE(o().imgThumbnailVideo->isHidden());  // shown, empty
   EXPECT_FALSE(o().imgThumbnailVideo->loadedImage());

@@ -37,7 +37,9 @@ class HomeSharingTest : public ::testing::Test {
   }
   HomeSharing& sharing() { return home_->sharing(); }
   template <class T>
-  std::shared_ptr<T> presented() { return std::dynamic_pointer_cast<T>(home_->presentedViewController()); }
+  std::shared_ptr<T> presented() {
+    return std::dynamic_pointer_cast<T>(home_->presentedViewController());
+  }
   std::vector<std::string> kinds() const {
     std::vector<std::string> out;
     for (const auto& event : events_) out.push_back(UiEvent::kindName(event.kind));
@@ -76,8 +78,8 @@ TEST_F(HomeSharingTest, ShareSheetHoldsTheItemsInOrderAndIsAPopoverOnlyOnATablet
   sharing().shareButton();
   sheet = presented<platform::ActivityViewController>();
   ASSERT_TRUE(sheet && sheet->popover());
-  EXPECT_EQ(sheet->popover()->sourceRect, (platform::Rect{platform::Screen::main().width / 2,
-                                                           platform::Screen::main().height / 2, 0, 0}));
+  EXPECT_EQ(sheet->popover()->sourceRect,
+            (platform::Rect{platform::Screen::main().width / 2, platform::Screen::main().height / 2, 0, 0}));
   EXPECT_EQ(sheet->popover()->permittedArrowDirections, 15u);
 }
 
@@ -113,7 +115,8 @@ TEST_F(HomeSharingTest, ChatAppInstalledOpensWithTheFixedMessageAndPreparesTheOp
   fixture_.app_->setInstalledSchemes({ShareTexts::kChatAppScheme});
   home_->outlets().shareView->setHidden(false);
   ASSERT_TRUE(home_->outlets().shareTypeButtons[3]->performTap(nullptr));  // tag 4
-  EXPECT_EQ(fixture_.app_->openedURLs(), std::vector<std::string>{std::string(ShareTexts::kChatAppScheme) + "://send?text=YOUR%20MSG"});
+  EXPECT_EQ(fixture_.app_->openedURLs(),
+            std::vector<std::string>{std::string(ShareTexts::kChatAppScheme) + "://send?text=YOUR%20MSG"});
   EXPECT_EQ(kinds(), (std::vector<std::string>{"urlOpened", "openInMenuShown"}));
 
   auto jpeg = platform::AtomicFile::read(sharing().chatAppImagePath());

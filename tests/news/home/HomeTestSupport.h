@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "news/api/Webmanager.h"
 #include "news/app/AppEnvironment.h"
 #include "news/home/HomeVC.h"
 #include "news/store/NewsDatabaseFile.h"
@@ -14,7 +15,6 @@
 #include "platform/ui/Application.h"
 #include "platform/ui/NavigationController.h"
 #include "platform/ui/UiEvents.h"
-#include "news/api/Webmanager.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -71,8 +71,9 @@ class HomeFixture {
                                         {"news_image_normal", platform::Value(media)}});
   }
   static platform::Value reply(std::vector<platform::Value> stories) {
-    return platform::Value::dictionary({{"status", platform::Value(true)},
-                                        {"result", platform::Value(platform::Value::Array(stories.begin(), stories.end()))}});
+    return platform::Value::dictionary(
+        {{"status", platform::Value(true)},
+         {"result", platform::Value(platform::Value::Array(stories.begin(), stories.end()))}});
   }
 
   size_t failedRequests() const {

@@ -66,9 +66,10 @@ TEST_F(HomeVCTest, EmptyAndBadRepliesClearTheCardAndKeepTheMode) {
   home_->showNewsSuccess(Value::dictionary({{"status", Value(true)}, {"result", Value::null()}}));
   home_->showNewsFail(Value());
   // Items with missing keys, nulls and numbers draw without a fault.
-  home_->showNewsSuccess(Fixture::reply({Value::dictionary({{"id", Value(int64_t{7})}, {"new_title", Value::null()},
-                                                            {"created_date", Value(int64_t{5})}}),
-                                         Value(int64_t{3})}));
+  home_->showNewsSuccess(Fixture::reply(
+      {Value::dictionary(
+           {{"id", Value(int64_t{7})}, {"new_title", Value::null()}, {"created_date", Value(int64_t{5})}}),
+       Value(int64_t{3})}));
   EXPECT_EQ(o().lblPostedBy->text(), "Posted By (null) | (null)th (null)");
   home_->handleSwipe(platform::SwipeDirection::Left);
   EXPECT_EQ(home_->count(), 1);
@@ -150,9 +151,10 @@ TEST_F(HomeVCTest, CategoriesExpandCollapseAndKeepTheirQuirks) {
   EXPECT_TRUE(menu.flag());
   EXPECT_EQ(menu.arrMenuList().count(), 6u);
   const Value categories = Value::dictionary(
-      {{"result", Value::array({Value::dictionary({{"id", Value(int64_t{4})}, {"name", Value("Sport")},
-                                                   {"image", Value("Sporty")}}),
-                                Value::dictionary({{"id", Value(int64_t{5})}, {"name", Value("Arts")},
+      {{"result", Value::array({Value::dictionary(
+                                    {{"id", Value(int64_t{4})}, {"name", Value("Sport")}, {"image", Value("Sporty")}}),
+                                Value::dictionary({{"id", Value(int64_t{5})},
+                                                   {"name", Value("Arts")},
                                                    {"image", Value("http://127.0.0.1:9/a.png")}})})}});
   menu.showMenuCategorySuccess(categories);
   EXPECT_EQ(menu.arrMenuList().at(8), Value("Less"));

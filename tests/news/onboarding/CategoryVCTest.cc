@@ -16,7 +16,8 @@ class CategoryVCTest : public ::testing::Test {
     screen_ = fixture_.show<CategoryVC>();
     Value::Array categories;
     for (int64_t id = 1; id <= 12; ++id) {
-      categories.push_back(Value::dictionary({{"id", Value(id)}, {"name", Value("Category " + std::to_string(id))},
+      categories.push_back(Value::dictionary({{"id", Value(id)},
+                                              {"name", Value("Category " + std::to_string(id))},
                                               {"image", Value("http://127.0.0.1:9/c.png")}}));
     }
     screen_->showCategorySuccess(Value::dictionary({{"result", Value(std::move(categories))}}));

@@ -25,9 +25,11 @@ class TermsConditionVCTest : public testing::PagesTest {
 };
 
 TEST_F(TermsConditionVCTest, OnlyTheExactTermsTitleAsksForPageOne) {
-  const std::vector<std::pair<std::optional<std::string>, std::string>> cases = {
-      {"Terms and Condition", "1"}, {"Terms and Conditions", "2"}, {"terms and condition", "2"},
-      {"Terms and Condition ", "2"}, {std::nullopt, "2"}};
+  const std::vector<std::pair<std::optional<std::string>, std::string>> cases = {{"Terms and Condition", "1"},
+                                                                                 {"Terms and Conditions", "2"},
+                                                                                 {"terms and condition", "2"},
+                                                                                 {"Terms and Condition ", "2"},
+                                                                                 {std::nullopt, "2"}};
   for (const auto& [title, id] : cases) {
     auto page = open(title);
     EXPECT_EQ(page->parameter(), Value::dictionary({{"id", Value(id)}}));

@@ -92,9 +92,8 @@ TEST_F(InlinePlayerPageTest, AnEmptyVideoReportsAnErrorAndABrokenPageTheApiFailu
   ASSERT_TRUE(player->loadWithVideoId("x"));
   player->webView()->loadHTMLString("<html></html>", "about:blank");
   EXPECT_NE(player->initialLoadingView(), nullptr);
-  player->webView()->setPageFactory([](const platform::WebPageSource& source) {
-    return std::make_shared<InlinePlayerPage>(source.html);
-  });
+  player->webView()->setPageFactory(
+      [](const platform::WebPageSource& source) { return std::make_shared<InlinePlayerPage>(source.html); });
   player->webView()->loadHTMLString("<html></html>", "about:blank");
   EXPECT_EQ(drain(), Events{});
   EXPECT_EQ(player->initialLoadingView(), nullptr);

@@ -115,7 +115,9 @@ TEST_F(InlinePlayerViewTest, CommandsSendTheirExactScripts) {
        "player.loadVideoByUrl('http://u/x', 3, 4, 'hd1080');"},
       {[&] { player->cuePlaylistByPlaylistId("PL", 2, 0, PlaybackQuality::Medium); },
        "player.cuePlaylist('PL', 2, 0, 'medium');"},
-      {[&] { player->loadPlaylistByVideos({"a", "b"}, 1, 5, PlaybackQuality::Medium); },
+      {[&] {
+         player->loadPlaylistByVideos({"a", "b"}, 1, 5, PlaybackQuality::Medium);
+       },
        "player.loadPlaylist(['a', 'b'], 1, 5, 'medium');"},
       {[&] { player->setPlaybackRate(1.5f); }, "player.setPlaybackRate(1.500000);"},
       {[&] { player->setLoop(true); }, "player.setLoop(true);"},
@@ -166,7 +168,7 @@ TEST_F(InlinePlayerViewTest, NavigationPolicyKeepsThePlayersPagesOnly) {
 
   const std::vector<std::string> opened = {
       "https://evil.test/?https://video.quillet.test/embed/x",  // anchored at the start
-      "http://adverify.quillet.test/sodar/a1.html",              // https only
+      "http://adverify.quillet.test/sodar/a1.html",             // https only
       "https://adverify.quillet.test/sodar/a1.htmlx",
       "https://video.quillet.test/watch?v=x",
   };

@@ -159,7 +159,7 @@ TEST_F(NewsStoreTest, BookmarksRepeatAndOneDeleteRemovesEveryRowWithTheId) {
 
   store_.getBookmarkedID();
   EXPECT_EQ(store_.arrBookmarkedID(), Value::array({Value::dictionary({{"id", "5"}}), Value::dictionary({{"id", "5"}}),
-                                                     Value::dictionary({{"id", "6"}})}));
+                                                    Value::dictionary({{"id", "6"}})}));
   store_.deleteBookmarked(list, 0);
   EXPECT_TRUE(log_.contains("updated Succesfully ...... !"));
   store_.getBookmarkedID();

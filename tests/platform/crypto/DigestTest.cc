@@ -11,16 +11,19 @@ TEST(DigestTest, KnownAnswers) {
   EXPECT_EQ(Digest::hex(Digest::sha1("abc")), "a9993e364706816aba3e25717850c26c9cd0d89d");
   EXPECT_EQ(Digest::hex(Digest::md5("abc")), "900150983cd24fb0d6963f7d28e17f72");
   EXPECT_EQ(Digest::hex(Digest::md5("")), "d41d8cd98f00b204e9800998ecf8427e");
-  EXPECT_EQ(Digest::hex(Digest::sha256("abc")),
-            "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(Digest::hex(Digest::sha256("abc")), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
   std::string million(1000000, 'a');
   EXPECT_EQ(Digest::hex(Digest::sha1(million)), "34aa973cd4c4daa4f61eeb2bdbad27316534016f");
 }
 
 TEST(Base64Test, KnownAnswersBothWays) {
-  const std::pair<const char*, const char*> vectors[] = {{"", ""},         {"f", "Zg=="},     {"fo", "Zm8="},
-                                                        {"foo", "Zm9v"},  {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="},
-                                                        {"foobar", "Zm9vYmFy"}};
+  const std::pair<const char*, const char*> vectors[] = {{"", ""},
+                                                         {"f", "Zg=="},
+                                                         {"fo", "Zm8="},
+                                                         {"foo", "Zm9v"},
+                                                         {"foob", "Zm9vYg=="},
+                                                         {"fooba", "Zm9vYmE="},
+                                                         {"foobar", "Zm9vYmFy"}};
   for (auto [plain, encoded] : vectors) {
     EXPECT_EQ(Base64::encode(std::string_view(plain)), encoded);
     auto decoded = Base64::decode(encoded);

@@ -106,10 +106,11 @@ TEST_F(SqliteDatabaseTest, TableInfoDescribesColumns) {
 TEST_F(SqliteDatabaseTest, IntegrityCheckSeesDamage) {
   {
     auto db = SqliteDatabase::open(path("c.sqlite"));
-    ASSERT_TRUE(db->exec("PRAGMA page_size=4096; CREATE TABLE t (a INTEGER PRIMARY KEY, b TEXT);"
-                         "CREATE INDEX tb ON t(b);"
-                         "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<2000)"
-                         " INSERT INTO t SELECT i, printf('row %08d', i) FROM n;"));
+    ASSERT_TRUE(
+        db->exec("PRAGMA page_size=4096; CREATE TABLE t (a INTEGER PRIMARY KEY, b TEXT);"
+                 "CREATE INDEX tb ON t(b);"
+                 "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<2000)"
+                 " INSERT INTO t SELECT i, printf('row %08d', i) FROM n;"));
     EXPECT_EQ(db->integrityCheck(), std::vector<std::string>{"ok"});
     db->close();
     // Change one stored text behind SQLite's back: table and index disagree.

@@ -56,7 +56,8 @@ TEST_P(BackupExclusionTest, MarkPersistsAndFollowsTheFile) {
   ASSERT_TRUE(AtomicFile::write(path, "1"));
   EXPECT_FALSE(files.isExcludedFromBackup(path));
   ASSERT_TRUE(files.setExcludedFromBackup(path, true));
-  EXPECT_TRUE(FileSystem(dir.path(), {.resourceDirectory = {}, .useExtendedAttributes = GetParam()}).isExcludedFromBackup(path));
+  EXPECT_TRUE(FileSystem(dir.path(), {.resourceDirectory = {}, .useExtendedAttributes = GetParam()})
+                  .isExcludedFromBackup(path));
   ASSERT_TRUE(AtomicFile::write(path, "2"));
   EXPECT_TRUE(files.isExcludedFromBackup(path));
 

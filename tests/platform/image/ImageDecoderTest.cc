@@ -62,8 +62,11 @@ TEST(ImageDecoderTest, SixteenBitPngKeepsItsDepth) {
 TEST(ImageDecoderTest, BadInputIsAnErrorNotACrash) {
   const auto png = test::png(40, 40);
   const auto jpeg = test::jpeg(8, 8);
-  const test::Bytes inputs[] = {{}, {'h', 'e', 'l', 'l', 'o'}, {0x89, 'P', 'N', 'G'},
-                                test::Bytes(png.begin(), png.begin() + 60), test::Bytes(jpeg.begin(), jpeg.begin() + 30)};
+  const test::Bytes inputs[] = {{},
+                                {'h', 'e', 'l', 'l', 'o'},
+                                {0x89, 'P', 'N', 'G'},
+                                test::Bytes(png.begin(), png.begin() + 60),
+                                test::Bytes(jpeg.begin(), jpeg.begin() + 30)};
   for (const auto& input : inputs) {
     Error error;
     EXPECT_EQ(ImageDecoder::decode(input, &error), nullptr);

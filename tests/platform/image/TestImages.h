@@ -84,8 +84,8 @@ inline Bytes png16(int width, int height) {
 
 // One white pixel.
 inline Bytes gif() {
-  return {'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0, 0x80, 0, 0, 0xff, 0xff, 0xff, 0, 0, 0,
-          0x2c, 0, 0, 0, 0, 1, 0, 1, 0, 0, 2, 2, 0x44, 1, 0, 0x3b};
+  return {'G', 'I',  'F', '8', '9', 'a', 1, 0, 1, 0, 0x80, 0, 0, 0xff, 0xff, 0xff, 0,   0,
+          0,   0x2c, 0,   0,   0,   0,   1, 0, 1, 0, 0,    2, 2, 0x44, 1,    0,    0x3b};
 }
 
 inline std::string text(const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); }

@@ -105,8 +105,7 @@ TEST(KeychainTest, PersistsPrivatelyAndSurvivesReinstall) {
   }
   ASSERT_TRUE(files.removeInstallData());
   std::vector<KeychainItem> found;
-  ASSERT_EQ(Keychain(files).copyMatching(byGeneric("iid"), Keychain::MatchLimit::One, &found),
-            Keychain::statusSuccess);
+  ASSERT_EQ(Keychain(files).copyMatching(byGeneric("iid"), Keychain::MatchLimit::One, &found), Keychain::statusSuccess);
   EXPECT_EQ(found, std::vector<KeychainItem>{item});
 }
 
@@ -115,7 +114,7 @@ TEST(KeychainTest, DamagedFileStartsEmptyWithOneLogLine) {
   FileSystem files(dir.path());
   auto path = files.keychainDirectory() / "keychain.plist";
   for (std::string damaged : {std::string("\x01\x02junk"), std::string("<plist><dict><key>items</key><array>"
-                                                                        "<string>x</string></array></dict></plist>")}) {
+                                                                       "<string>x</string></array></dict></plist>")}) {
     ASSERT_TRUE(AtomicFile::write(path, damaged));
     LogCapture log;
     Keychain keychain(files);

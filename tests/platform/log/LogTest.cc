@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include "support/LogCapture.h"
 
 namespace quillet::platform {

@@ -67,9 +67,9 @@ TEST(MediaAssetTest, WhatIsNotATimedMediumIsNotPlayableAndSaysWhy) {
   writeFile(dir.path() / "empty.mp4", "");
 
   const std::string http = "http://127.0.0.1:" + std::to_string(closedPort()) + "/newsapp/videos/6.mp4";
-  for (const std::string& url : {(dir.path() / "noise.mp4").string(), (dir.path() / "dot.png").string(),
-                                 (dir.path() / "empty.mp4").string(), (dir.path() / "missing.mp4").string(), http,
-                                 std::string("file://nohost")}) {
+  for (const std::string& url :
+       {(dir.path() / "noise.mp4").string(), (dir.path() / "dot.png").string(), (dir.path() / "empty.mp4").string(),
+        (dir.path() / "missing.mp4").string(), http, std::string("file://nohost")}) {
     auto asset = MediaAsset::assetWithURL(url);
     EXPECT_FALSE(asset->isPlayable()) << url;
     EXPECT_EQ(asset->duration(), 0.0) << url;

@@ -12,7 +12,8 @@ TEST(NotificationCenterTest, DeliversInOrderFilteredByNameAndSender) {
   NotificationCenter center;
   int senderA = 0, senderB = 0;
   std::vector<std::string> calls;
-  center.addObserver("reg", nullptr, [&](const Notification& n) { calls.push_back("reg-any:" + n.userInfo["t"].string()); });
+  center.addObserver("reg", nullptr,
+                     [&](const Notification& n) { calls.push_back("reg-any:" + n.userInfo["t"].string()); });
   center.addObserver("", nullptr, [&](const Notification& n) { calls.push_back("all:" + n.name); });
   center.addObserver("reg", &senderA, [&](const Notification&) { calls.push_back("reg-A"); });
   center.addObserver("other", nullptr, [&](const Notification&) { calls.push_back("other"); });

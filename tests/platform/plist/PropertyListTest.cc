@@ -111,10 +111,15 @@ TEST(PropertyListTest, MalformedInputIsAnError) {
 TEST(PropertyListTest, RefusesValuesThatAreNotPropertyLists) {
   Value deep = Value::array({1});
   for (int i = 0; i < PropertyList::maxDepth + 1; ++i) deep = Value::array({deep});
-  const Value invalid[] = {Value(), Value::null(), Value::array({Value::null()}),
-                           Value::dictionary({{"k", Value()}}), Value(std::string("a\0b", 3)),
-                           Value("\xb7"), Value::dictionary({{"\xc3", 1}}),
-                           Value::date(1e12), deep};
+  const Value invalid[] = {Value(),
+                           Value::null(),
+                           Value::array({Value::null()}),
+                           Value::dictionary({{"k", Value()}}),
+                           Value(std::string("a\0b", 3)),
+                           Value("\xb7"),
+                           Value::dictionary({{"\xc3", 1}}),
+                           Value::date(1e12),
+                           deep};
   for (const auto& value : invalid) {
     Error error;
     EXPECT_FALSE(PropertyList::isPropertyList(value));

@@ -19,7 +19,8 @@ class ReachabilitySourceTest : public ::testing::Test {
 
   void record(ReachabilitySource& source, double poll = ReachabilitySource::kDefaultPollSeconds) {
     source.schedule(
-        loop, [this](ReachabilityFlags flags) {
+        loop,
+        [this](ReachabilityFlags flags) {
           seen.push_back(flags);
           onLoopThread = onLoopThread && loop.isCurrent();
         },
@@ -47,8 +48,8 @@ TEST_F(ReachabilitySourceTest, OverrideChangesArePostedToTheLoopOnlyWhenFlagsCha
   ReachabilitySource::setOverride(ReachabilityOverride::None);
   ReachabilitySource::setOverride(ReachabilityOverride::None);
   loop.runPending();
-  EXPECT_EQ(seen, (std::vector<ReachabilityFlags>{kReachabilityReachable,
-                                                  kReachabilityReachable | kReachabilityIsWWAN, 0u}));
+  EXPECT_EQ(seen,
+            (std::vector<ReachabilityFlags>{kReachabilityReachable, kReachabilityReachable | kReachabilityIsWWAN, 0u}));
   EXPECT_TRUE(onLoopThread);
 
   // The override applies to every target, loopback included.

@@ -18,7 +18,8 @@ struct Pixel {
 };
 
 Pixel at(const Bitmap& bitmap, int x, int y) {
-  const uint8_t* p = &bitmap.pixels[(static_cast<size_t>(y) * static_cast<size_t>(bitmap.width) + static_cast<size_t>(x)) * 4];
+  const uint8_t* p =
+      &bitmap.pixels[(static_cast<size_t>(y) * static_cast<size_t>(bitmap.width) + static_cast<size_t>(x)) * 4];
   return {p[0], p[1], p[2], p[3]};
 }
 
@@ -71,7 +72,7 @@ TEST(ScreenRendererTest, DrawsVisibleViewsInOrderAtTheScale) {
   EXPECT_EQ(at(*bitmap, 0, 0), (Pixel{255, 255, 255, 255}));
   EXPECT_EQ(at(*bitmap, 30, 30), (Pixel{255, 0, 0, 255}));
   EXPECT_EQ(at(*bitmap, 90, 70), (Pixel{0, 255, 0, 255}));
-  EXPECT_NEAR(at(*bitmap, 150, 80).r, 128, 2);  // half black over white
+  EXPECT_NEAR(at(*bitmap, 150, 80).r, 128, 2);                  // half black over white
   EXPECT_EQ(at(*bitmap, 125, 5), (Pixel{255, 255, 255, 255}));  // white over white, both half
   int dark = 0;
   for (int y = 60; y < 100; ++y) {

@@ -32,7 +32,9 @@ TEST(RegularExpressionTest, RangesAreUtf16AndBytes) {
   EXPECT_EQ(all[1][0].byteOffset, 9u);
   EXPECT_EQ(RegularExpression::utf16Length("é😀bb-b"), 7u);
   // Invalid UTF-8 still maps back to the right bytes.
-  auto odd = re->firstMatch("\xff\xfe" "bb");
+  auto odd = re->firstMatch(
+      "\xff\xfe"
+      "bb");
   EXPECT_EQ(odd->groups[0].byteOffset, 2u);
   EXPECT_EQ(odd->text(), "bb");
 }

@@ -41,8 +41,7 @@ class TlsStreamTest : public ::testing::Test {
  protected:
   TlsStreamTest() : certificates(testing::makeTestCertificates(dir.path())) {}
 
-  std::unique_ptr<TlsStream> openStream(uint16_t port, const std::string& host = "127.0.0.1",
-                                        bool trustTestCa = true) {
+  std::unique_ptr<TlsStream> openStream(uint16_t port, const std::string& host = "127.0.0.1", bool trustTestCa = true) {
     TlsStreamOptions options;
     if (trustTestCa) options.caFile = certificates.caFile;
     auto stream = std::make_unique<TlsStream>(loop, options);

@@ -17,8 +17,8 @@ class TlsTestServer {
  public:
   enum class Mode { Echo, GreetThenCloseNotify, GreetThenDrop };
 
-  TlsTestServer(platform::RunLoop& loop, const TestCertificates& certificates, Mode mode,
-                std::string greeting = "", const std::string& address = "127.0.0.1");
+  TlsTestServer(platform::RunLoop& loop, const TestCertificates& certificates, Mode mode, std::string greeting = "",
+                const std::string& address = "127.0.0.1");
   uint16_t port() const { return acceptor_.local_endpoint().port(); }
 
  private:

@@ -4,10 +4,10 @@
 #include "platform/ui/Application.h"
 #include "platform/ui/Button.h"
 #include "platform/ui/NavigationController.h"
+#include "platform/ui/RecordingScreen.h"
 #include "platform/ui/Storyboard.h"
 #include "platform/ui/UiDriver.h"
 #include "platform/ui/UiError.h"
-#include "platform/ui/RecordingScreen.h"
 
 namespace quillet::platform {
 namespace {
@@ -44,16 +44,16 @@ TEST(NavigationTest, PushAndPopRunTheLifecycleInOrder) {
   phone.log.clear();
   auto home = phone.make("HomeVC");
   nav->pushViewController(home, true);
-  EXPECT_EQ(phone.log, (Strings{"HomeVC.load", "SplashVC.willDisappear", "HomeVC.willAppear",
-                                "SplashVC.didDisappear", "HomeVC.didAppear"}));
+  EXPECT_EQ(phone.log, (Strings{"HomeVC.load", "SplashVC.willDisappear", "HomeVC.willAppear", "SplashVC.didDisappear",
+                                "HomeVC.didAppear"}));
   EXPECT_EQ(home->navigationController(), nav);
 
   phone.log.clear();
   std::weak_ptr<ViewController> weakHome = home;
   home.reset();
   EXPECT_EQ(nav->popViewControllerAnimated(false).get(), weakHome.lock().get());
-  EXPECT_EQ(phone.log, (Strings{"HomeVC.willDisappear", "SplashVC.willAppear", "HomeVC.didDisappear",
-                                "SplashVC.didAppear"}));
+  EXPECT_EQ(phone.log,
+            (Strings{"HomeVC.willDisappear", "SplashVC.willAppear", "HomeVC.didDisappear", "SplashVC.didAppear"}));
   EXPECT_TRUE(weakHome.expired());
   EXPECT_EQ(nav->popViewControllerAnimated(false), nullptr);  // the root stays
   EXPECT_EQ(phone.events, (Strings{"screenReplaced:SplashVC", "screenPushed:HomeVC+", "screenPopped:HomeVC"}));
@@ -68,9 +68,9 @@ TEST(NavigationTest, APushFromViewDidLoadRunsAfterTheScreenHasAppeared) {
   };
   phone.app.window().setRootViewController(std::make_shared<NavigationController>(splash));
   phone.app.window().makeKeyAndVisible();
-  EXPECT_EQ(phone.log, (Strings{"SplashVC.load", "SplashVC.willAppear", "SplashVC.didAppear", "HomeVC.load",
-                                "SplashVC.willDisappear", "HomeVC.willAppear", "SplashVC.didDisappear",
-                                "HomeVC.didAppear"}));
+  EXPECT_EQ(phone.log,
+            (Strings{"SplashVC.load", "SplashVC.willAppear", "SplashVC.didAppear", "HomeVC.load",
+                     "SplashVC.willDisappear", "HomeVC.willAppear", "SplashVC.didDisappear", "HomeVC.didAppear"}));
   EXPECT_EQ(phone.events, (Strings{"screenReplaced:SplashVC", "screenPushed:HomeVC+"}));
   EXPECT_EQ(phone.app.window().stackIdentifiers(), (Strings{"SplashVC", "HomeVC"}));
 }
@@ -124,8 +124,8 @@ TEST(NavigationTest, AlertActionsRunOnTapByTitleAndTheAlertBlocksTheScreen) {
   phone.app.window().setRootViewController(std::make_shared<NavigationController>(home));
   phone.app.window().makeKeyAndVisible();
 
-  auto alert = AlertController::alertControllerWithTitle("Share target missing.",
-                                                         "The share target is not on this phone.");
+  auto alert =
+      AlertController::alertControllerWithTitle("Share target missing.", "The share target is not on this phone.");
   std::string ran;
   alert->addAction({"OK", AlertActionStyle::Cancel, [&](const AlertAction& a) { ran = a.title; }});
   phone.log.clear();

@@ -16,7 +16,9 @@ class Recorder : public WebViewDelegate {
     return !(refuseEvents && url.rfind("event:", 0) == 0);
   }
   void webViewDidFinishLoad(WebView&) override { calls.push_back("finish"); }
-  void webViewDidFailLoad(WebView&, const Error& error) override { calls.push_back(std::string("fail:") + error.domain); }
+  void webViewDidFailLoad(WebView&, const Error& error) override {
+    calls.push_back(std::string("fail:") + error.domain);
+  }
 };
 
 // A page that answers "pong" to "ping()" and then navigates its view.
@@ -48,9 +50,8 @@ class WebViewPageTest : public ::testing::Test {
 TEST_F(WebViewPageTest, LoadRequestFetchesThePageAndA404PageStillFinishes) {
   LocalServer server;
   server.server().set_keep_alive_max_count(1);  // no idle connection to wait for at stop
-  server.server().Get("/story", [](const httplib::Request&, httplib::Response& res) {
-    res.set_content("<p>story</p>", "text/html");
-  });
+  server.server().Get(
+      "/story", [](const httplib::Request&, httplib::Response& res) { res.set_content("<p>story</p>", "text/html"); });
   server.server().Get("/gone", [](const httplib::Request&, httplib::Response& res) {
     res.status = 404;
     res.set_content("<p>not here</p>", "text/html");

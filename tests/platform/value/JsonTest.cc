@@ -73,7 +73,8 @@ TEST(JsonTest, NestingIsLimited) {
 }
 
 TEST(JsonTest, EncodeCompactAndPretty) {
-  Value v = Value::dictionary({{"b", Value::array({1, 2.5, true, Value::null()})}, {"a", "x/\"\n\x01"}, {"e", Value::array({})}});
+  Value v = Value::dictionary(
+      {{"b", Value::array({1, 2.5, true, Value::null()})}, {"a", "x/\"\n\x01"}, {"e", Value::array({})}});
   EXPECT_EQ(jsonEncode(v), R"({"a":"x\/\"\n\u0001","b":[1,2.5,true,null],"e":[]})");
   EXPECT_EQ(jsonEncode(v, true),
             "{\n  \"a\" : \"x\\/\\\"\\n\\u0001\",\n  \"b\" : [\n    1,\n    2.5,\n    true,\n    null\n  ],\n"

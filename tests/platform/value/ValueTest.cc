@@ -136,12 +136,14 @@ TEST(ValueTest, EqualityComparesNumbersByValue) {
 TEST(ErrorTest, Descriptions) {
   Error plain("com.stikri.msg", 7);
   EXPECT_EQ(plain.localizedDescription(), "The operation couldn\u2019t be completed. (com.stikri.msg error 7.)");
-  EXPECT_EQ(plain.description(),
-            "Error Domain=com.stikri.msg Code=7 \"The operation couldn\u2019t be completed. (com.stikri.msg error 7.)\"");
+  EXPECT_EQ(
+      plain.description(),
+      "Error Domain=com.stikri.msg Code=7 \"The operation couldn\u2019t be completed. (com.stikri.msg error 7.)\"");
   Error cocoa("NSCocoaErrorDomain", 3840, Value::dictionary({{"NSDebugDescription", "Garbage at end."}}));
   EXPECT_EQ(cocoa.localizedDescription(), "The operation couldn\u2019t be completed. (Cocoa error 3840.)");
   Error described("d", -1, Value::dictionary({{"NSLocalizedDescription", "Bad thing"}, {"a", 1}}));
-  EXPECT_EQ(described.description(), "Error Domain=d Code=-1 \"Bad thing\" UserInfo={NSLocalizedDescription=Bad thing, a=1}");
+  EXPECT_EQ(described.description(),
+            "Error Domain=d Code=-1 \"Bad thing\" UserInfo={NSLocalizedDescription=Bad thing, a=1}");
 }
 
 }  // namespace
