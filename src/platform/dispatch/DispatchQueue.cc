@@ -5,6 +5,7 @@
 
 #include "platform/log/Log.h"
 #include "platform/runloop/RunLoop.h"
+#include "platform/runloop/WorkerActivity.h"
 
 namespace quillet::platform {
 namespace {
@@ -90,11 +91,15 @@ void DispatchQueue::async(std::function<void()> task) {
     loop_->post(std::move(task));
     return;
   }
+  // Once the task is queued it may run and release the last reference to
+  // this queue before this call returns; only the shared workers are used.
+  std::shared_ptr<Workers> workers = workers_;
+  WorkerActivity::shared().began();
   {
-    std::lock_guard lock(workers_->mutex);
-    workers_->tasks.push_back(std::move(task));
+    std::lock_guard lock(workers->mutex);
+    workers->tasks.push_back(std::move(task));
   }
-  workers_->ready.notify_one();
+  workers->ready.notify_one();
 }
 
 void DispatchQueue::sync(const std::function<void()>& task) {
@@ -103,18 +108,26 @@ void DispatchQueue::sync(const std::function<void()>& task) {
     task();
     return;
   }
+  // A worker that waits for a run loop does not hold virtual time back while
+  // it waits (the loop may be the one settling the workers, or one that no
+  // longer runs). The loop counts it busy again before waking it, so the
+  // settling loop cannot move on between the task and the worker's return.
+  const bool workerWaitsForLoop = kind_ == Kind::Main && currentWorkers != nullptr;
+  if (workerWaitsForLoop) WorkerActivity::shared().ended();
   std::promise<void> done;
   async([&] {
     task();
+    if (workerWaitsForLoop) WorkerActivity::shared().began();
     done.set_value();
   });
   done.get_future().wait();
 }
 
+RunLoop& DispatchQueue::timerLoop() const { return kind_ == Kind::Main ? *loop_ : RunLoop::main(); }
+
 void DispatchQueue::after(double seconds, std::function<void()> task) {
-  RunLoop& timerLoop = kind_ == Kind::Main ? *loop_ : RunLoop::main();
   std::weak_ptr<DispatchQueue> weak = weak_from_this();
-  timerLoop.schedule(seconds, [weak, task = std::move(task)]() mutable {
+  timerLoop().schedule(seconds, [weak, task = std::move(task)]() mutable {
     if (auto queue = weak.lock()) queue->async(std::move(task));
   });
 }
@@ -132,6 +145,8 @@ void DispatchQueue::workerLoop(std::shared_ptr<Workers> workers) {
       workers->tasks.pop_front();
     }
     task();
+    task = nullptr;  // what the task holds goes before the task counts as done
+    WorkerActivity::shared().ended();
   }
 }
 

@@ -17,7 +17,9 @@ class RunLoop;
 //   serial:     one thread of its own; tasks run one at a time in order.
 //   concurrent: a few threads of its own; tasks start in order and may overlap.
 //   main:       the main run loop; tasks run on its thread.
-// async, sync and after may be called from any thread. A queue made by
+// async, sync and after may be called from any thread. Tasks handed to a
+// serial or concurrent queue are counted in WorkerActivity until they have
+// run, so that virtual time waits for them. A queue made by
 // makeSerial/makeConcurrent drains its pending tasks and joins its threads
 // when the last reference goes.
 class DispatchQueue : public std::enable_shared_from_this<DispatchQueue> {
@@ -52,6 +54,9 @@ class DispatchQueue : public std::enable_shared_from_this<DispatchQueue> {
   // Runs `task` on the queue after `seconds`, timed by the main run loop's
   // clock (so a ManualClock drives it), or by this queue's run loop for a main-kind queue.
   void after(double seconds, std::function<void()> task);
+  // The run loop that times this queue's delayed work: its own loop for a
+  // main-kind queue, the main run loop otherwise.
+  RunLoop& timerLoop() const;
 
  private:
   // The pending work and threads of a serial or concurrent queue. Shared

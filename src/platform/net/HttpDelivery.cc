@@ -35,15 +35,24 @@ bool HttpDelivery::complete(std::optional<Error> error) {
   std::lock_guard lock(mutex_);
   if (finished_) return false;
   finished_ = true;
+  // The completion, and the delivery's hold on the queue, move into the
+  // posted task, so that both are released on the caller's queue once it has
+  // run. Were the last reference to the queue dropped here, on the session's
+  // thread, the queue would join its workers from that thread while one of
+  // them may be waiting for the session's thread to end (its owner being
+  // destroyed on the queue): neither would ever finish. A run loop's queue
+  // has no workers to join and stays here (held by its own posted task, it
+  // would keep its loop alive).
+  DispatchQueue* queue = queue_.get();
+  std::shared_ptr<DispatchQueue> keep;
+  if (queue->kind() != DispatchQueue::Kind::Main) keep = std::move(queue_);
   if (!callbacks_) {
-    // The completion moves into the posted task so that what it captured is
-    // released on the caller's queue once it has run.
-    queue_->async(
-        [completion = std::move(completion_), response = std::move(gathered_), error = std::move(error)]() mutable {
-          if (completion) completion(std::move(response), std::move(error));
-        });
+    queue->async([keep = std::move(keep), completion = std::move(completion_), response = std::move(gathered_),
+                  error = std::move(error)]() mutable {
+      if (completion) completion(std::move(response), std::move(error));
+    });
   } else {
-    queue_->async([callbacks = std::move(callbacks_), error = std::move(error)] {
+    queue->async([keep = std::move(keep), callbacks = std::move(callbacks_), error = std::move(error)] {
       if (callbacks->onComplete) callbacks->onComplete(error);
     });
   }

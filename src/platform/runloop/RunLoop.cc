@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <chrono>
+#include <sstream>
 #include <stdexcept>
 
+#include <asio/executor_work_guard.hpp>
+#include <asio/io_context.hpp>
 #include <asio/post.hpp>
 
 #include "platform/log/Log.h"
+#include "platform/runloop/WorkerActivity.h"
 
 namespace quillet::platform {
 namespace {
@@ -42,10 +46,18 @@ class RunLoop::CurrentScope {
   RunLoop* previous_;
 };
 
+// The I/O context, kept busy by a work guard so that it never runs out of work between waits.
+struct RunLoop::Io {
+  asio::io_context context;
+  asio::executor_work_guard<asio::io_context::executor_type> work{context.get_executor()};
+};
+
 RunLoop::RunLoop(std::shared_ptr<Clock> clock)
-    : clock_(std::move(clock)), manual_(dynamic_cast<ManualClock*>(clock_.get())), work_(io_.get_executor()) {}
+    : clock_(std::move(clock)), manual_(dynamic_cast<ManualClock*>(clock_.get())), io_(std::make_unique<Io>()) {}
 
 RunLoop::~RunLoop() = default;
+
+asio::io_context& RunLoop::io() { return io_->context; }
 
 RunLoop& RunLoop::main() { return *mainShared(); }
 
@@ -164,17 +176,17 @@ size_t RunLoop::fireDueTimers() {
 }
 
 size_t RunLoop::pollIo() {
-  if (io_.stopped()) io_.restart();
-  return io_.poll();
+  if (io_->context.stopped()) io_->context.restart();
+  return io_->context.poll();
 }
 
 void RunLoop::wakeIfWaiting() {
-  if (waiting_.load()) asio::post(io_, [] {});
+  if (waiting_.load()) asio::post(io_->context, [] {});
 }
 
 // A timer set from another thread may be due before the wait the loop is in ends.
 void RunLoop::wake() {
-  asio::post(io_, [] {});
+  asio::post(io_->context, [] {});
 }
 
 void RunLoop::waitForWork(double maxSeconds) {
@@ -190,9 +202,9 @@ void RunLoop::waitForWork(double maxSeconds) {
     pending = !posted_.empty();
   }
   if (!pending && maxSeconds > 0) {
-    if (io_.stopped()) io_.restart();
+    if (io_->context.stopped()) io_->context.restart();
     auto wait = std::chrono::duration<double>(std::min(maxSeconds, kLongestWait));
-    io_.run_one_for(std::chrono::duration_cast<std::chrono::nanoseconds>(wait));
+    io_->context.run_one_for(std::chrono::duration_cast<std::chrono::nanoseconds>(wait));
   }
   waiting_.store(false);
 }
@@ -205,33 +217,79 @@ size_t RunLoop::runPending() {
   return ran;
 }
 
-void RunLoop::advance(double seconds) {
+// Fires the earliest timer that is due now, if any.
+bool RunLoop::fireOneDueTimer() {
+  std::optional<TimerQueue::Due> fired;
+  {
+    std::lock_guard lock(timerMutex_);
+    fired = timers_.popDue(clock_->monotonicSeconds());
+  }
+  if (!fired) return false;
+  (*fired->task)();
+  return true;
+}
+
+bool RunLoop::settleWorkers() {
+  CurrentScope scope(this);
+  return settleWorkersUntil(Clock::system()->monotonicSeconds() + workerWaitLimit_);
+}
+
+bool RunLoop::settleWorkersUntil(double realDeadline) {
+  WorkerActivity& workers = WorkerActivity::shared();
+  const Clock& realClock = *Clock::system();
+  for (;;) {
+    size_t ran = runPosted();
+    ran += pollIo();
+    if (ran > 0) continue;
+    // Short waits, so that work the workers post back here is run promptly.
+    if (workers.outstanding() == 0 || workers.waitForIdle(0.001)) {
+      std::lock_guard lock(postedMutex_);
+      if (posted_.empty()) return true;
+      continue;
+    }
+    if (realClock.monotonicSeconds() >= realDeadline) {
+      if (!workerWaitReported_) {
+        workerWaitReported_ = true;
+        std::ostringstream message;
+        message << "RunLoop: worker queues still busy after " << workerWaitLimit_
+                << " s; virtual time moves on without them";
+        Log::write(message.str());
+      }
+      return false;
+    }
+  }
+}
+
+size_t RunLoop::advance(double seconds) {
   if (manual_ == nullptr) throw std::logic_error("RunLoop::advance needs a ManualClock");
   CurrentScope scope(this);
-  double target = manual_->monotonicSeconds() + std::max(0.0, seconds);
+  const double target = manual_->monotonicSeconds() + std::max(0.0, seconds);
+  // One real-time allowance for the whole move, so that a blocked worker
+  // delays it once, not once a timer.
+  const double realDeadline = Clock::system()->monotonicSeconds() + workerWaitLimit_;
+  size_t fired = 0;
   for (;;) {
-    runPosted();
-    pollIo();
-    fireDueTimers();
+    settleWorkersUntil(realDeadline);
+    if (fireOneDueTimer()) {
+      ++fired;
+      continue;
+    }
     std::optional<double> next;
     {
       std::lock_guard lock(timerMutex_);
       next = timers_.nextDue();
     }
-    bool morePosted;
-    {
-      std::lock_guard lock(postedMutex_);
-      morePosted = !posted_.empty();
-    }
-    if (morePosted) continue;
-    double now = manual_->monotonicSeconds();
     if (!next || *next > target) break;
+    const double now = manual_->monotonicSeconds();
     if (*next > now) manual_->advance(*next - now);
   }
-  double now = manual_->monotonicSeconds();
+  const double now = manual_->monotonicSeconds();
   if (target > now) manual_->advance(target - now);
-  // Work that became due exactly at the end of the window.
-  while (runPending() > 0) {
+  // Work that falls due exactly at the end of the window.
+  for (;;) {
+    settleWorkersUntil(realDeadline);
+    if (!fireOneDueTimer()) return fired;
+    ++fired;
   }
 }
 
@@ -274,7 +332,7 @@ void RunLoop::run() {
 
 void RunLoop::stop() {
   stopRequested_.store(true);
-  asio::post(io_, [] {});
+  asio::post(io_->context, [] {});
 }
 
 }  // namespace quillet::platform

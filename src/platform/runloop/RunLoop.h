@@ -1,7 +1,5 @@
 #pragma once
 
-#include <asio/executor_work_guard.hpp>
-#include <asio/io_context.hpp>
 #include <atomic>
 #include <cstdint>
 #include <deque>
@@ -17,6 +15,10 @@
 #include "platform/clock/Clock.h"
 #include "platform/runloop/TimerQueue.h"
 
+namespace asio {
+class io_context;
+}  // namespace asio
+
 namespace quillet::platform {
 
 // A run loop: the thread that runs it executes posted work, timers, delayed
@@ -30,7 +32,12 @@ namespace quillet::platform {
 //
 // Under a ManualClock the loop never waits for time to pass: advance(d) moves
 // the clock timer by timer and fires each due timer at its own time,
-// including timers that fired callbacks schedule within the window.
+// including timers that fired callbacks schedule within the window. Before
+// each timer fires and before the clock moves, advance() lets the worker
+// queues finish what they have been handed (see WorkerActivity) and runs the
+// work they post back to this loop, so virtual time stays deterministic when
+// work crosses threads: a timer a worker sets inside the window is set at the
+// virtual time the worker was handed its task, and fires in order.
 class RunLoop {
  public:
   explicit RunLoop(std::shared_ptr<Clock> clock = Clock::system());
@@ -88,18 +95,32 @@ class RunLoop {
   // Runs posted work, ready I/O handlers and due timers without waiting;
   // returns how many units of work ran.
   size_t runPending();
-  // ManualClock only: moves the clock forward by `seconds`, firing due timers in time order.
-  void advance(double seconds);
+  // ManualClock only: moves the clock forward by `seconds`, firing due timers
+  // in time order, with the worker queues settled before each timer and each
+  // move of the clock. Returns how many timers fired.
+  size_t advance(double seconds);
+  // Lets the worker queues finish their tasks, running what they post to this
+  // loop meanwhile; waits at most the worker wait limit of real time (a task
+  // that blocks for longer is logged once and left running). True when the
+  // workers went idle. Call on the loop's thread.
+  bool settleWorkers();
+  // The longest real time settleWorkers() waits (10 s unless set).
+  void setWorkerWaitLimit(double seconds) { workerWaitLimit_ = seconds; }
 
   // Socket readiness: asio objects made on this context deliver their
-  // handlers on the loop's thread while it runs.
-  asio::io_context& io() { return io_; }
+  // handlers on the loop's thread while it runs. Callers include
+  // <asio/io_context.hpp>; the loop keeps asio out of its header so that the
+  // many files that only post work and set timers do not compile it.
+  asio::io_context& io();
 
  private:
   class CurrentScope;
+  struct Io;
 
   size_t runPosted();
   size_t fireDueTimers();
+  bool fireOneDueTimer();
+  bool settleWorkersUntil(double realDeadline);
   size_t pollIo();
   void waitForWork(double maxSeconds);
   void wake();
@@ -108,14 +129,16 @@ class RunLoop {
 
   std::shared_ptr<Clock> clock_;
   ManualClock* manual_ = nullptr;
-  asio::io_context io_;
-  asio::executor_work_guard<asio::io_context::executor_type> work_;
+  std::unique_ptr<Io> io_;
 
   mutable std::mutex postedMutex_;
   std::deque<std::function<void()>> posted_;
   std::atomic<bool> waiting_{false};
   std::atomic<bool> stopRequested_{false};
   std::atomic<std::thread::id> thread_{};
+
+  double workerWaitLimit_ = 10.0;
+  bool workerWaitReported_ = false;
 
   mutable std::mutex timerMutex_;
   TimerQueue timers_;

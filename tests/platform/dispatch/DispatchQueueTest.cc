@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <future>
 #include <vector>
 
 #include "platform/runloop/RunLoop.h"
@@ -32,6 +33,19 @@ TEST(DispatchQueueTest, SyncOntoItselfRunsInlineInsteadOfHanging) {
   bool inner = false;
   queue->sync([&] { queue->sync([&] { inner = true; }); });
   EXPECT_TRUE(inner);
+}
+
+TEST(DispatchQueueTest, AQueueWhoseOnlyReferenceIsItsOwnTaskSurvivesTheHandOver) {
+  // The posting thread drops the queue as it posts; the task may run and
+  // release the last reference before async() has returned.
+  for (int i = 0; i < 200; ++i) {
+    auto queue = DispatchQueue::makeSerial("handed-over");
+    DispatchQueue* raw = queue.get();
+    std::promise<void> ran;
+    auto done = ran.get_future();
+    raw->async([keep = std::move(queue), &ran] { ran.set_value(); });
+    done.wait();
+  }
 }
 
 TEST(DispatchQueueTest, ConcurrentQueueOverlapsWork) {
