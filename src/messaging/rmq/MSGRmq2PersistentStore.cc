@@ -64,7 +64,10 @@ std::filesystem::path MSGRmq2PersistentStore::pathForDatabase(const std::string&
 }
 
 void MSGRmq2PersistentStore::removeDatabase(const std::string& databaseName) {
-  fileSystem_->removeItem(pathForDatabase(databaseName));
+  const auto path = pathForDatabase(databaseName);
+  fileSystem_->removeItem(path);
+  // The write-ahead log and its index go with the file.
+  platform::SqliteDatabase::removeFiles(path.string());
 }
 
 void MSGRmq2PersistentStore::openDatabase(const std::string& databaseName) {

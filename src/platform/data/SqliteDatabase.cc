@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <atomic>
+#include <filesystem>
 #include <utility>
 
 #include "platform/data/SqliteError.h"
@@ -13,6 +15,23 @@ static_assert(SqliteDatabase::kOpenReadWrite == SQLITE_OPEN_READWRITE);
 static_assert(SqliteDatabase::kOpenCreate == SQLITE_OPEN_CREATE);
 static_assert(SqliteDatabase::kOpenFullMutex == SQLITE_OPEN_FULLMUTEX);
 
+namespace {
+
+std::atomic<SqliteDurability> processDurability{SqliteDurability::WriteAheadLog};
+
+// Puts a writable connection in the durability mode. Failures are left to
+// the caller's own statements to meet: a damaged file still opens.
+void applyDurability(sqlite3* db) {
+  if (processDurability.load() == SqliteDurability::WriteAheadLog) {
+    sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;", nullptr, nullptr, nullptr);
+  } else {
+    sqlite3_exec(db, "PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL;", nullptr, nullptr, nullptr);
+  }
+}
+
+}  // namespace
+
 std::optional<SqliteDatabase> SqliteDatabase::open(const std::string& path, int flags, Error* error) {
   sqlite3* db = nullptr;
   int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
@@ -22,7 +41,22 @@ std::optional<SqliteDatabase> SqliteDatabase::open(const std::string& path, int 
     return std::nullopt;
   }
   sqlite3_extended_result_codes(db, 1);
+  if ((flags & kOpenReadWrite) != 0) applyDurability(db);
   return SqliteDatabase(db);
+}
+
+void SqliteDatabase::setDurability(SqliteDurability durability) { processDurability.store(durability); }
+
+SqliteDurability SqliteDatabase::durability() { return processDurability.load(); }
+
+bool SqliteDatabase::removeFiles(const std::string& path) {
+  bool removed = true;
+  for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
+    std::error_code ec;
+    std::filesystem::remove(path + suffix, ec);
+    if (ec) removed = false;
+  }
+  return removed;
 }
 
 SqliteDatabase::SqliteDatabase(SqliteDatabase&& other) noexcept : db_(std::exchange(other.db_, nullptr)) {}

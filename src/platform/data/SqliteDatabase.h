@@ -23,6 +23,15 @@ struct SqliteColumnInfo {
   int primaryKey = 0;                       // position in the primary key, 0 if none
 };
 
+// How the files are kept on disk. Every file the program opens for writing
+// is kept in write-ahead-log mode with normal sync: a commit appends to the
+// log without a disk sync of its own, a killed process loses nothing that
+// was committed (only a power loss can take the last commits), and closing
+// a connection does not fold the log back into the file, so opening and
+// closing per operation stays cheap. The rollback journal with a full sync
+// per commit is the older way, kept so that benchmarks can compare the two.
+enum class SqliteDurability { WriteAheadLog, RollbackJournal };
+
 // A database connection (RAII over sqlite3*). Movable, not copyable. Not
 // thread-safe: one thread at a time (the owner's queue). Statements prepared
 // from it should be destroyed before it; the connection is closed with
@@ -37,8 +46,20 @@ class SqliteDatabase {
   static constexpr int kOpenCreate = 0x00000004;
   static constexpr int kOpenFullMutex = 0x00010000;
 
+  // Opens (or creates) the file; a connection that can write is put in the
+  // process's durability mode (the write-ahead log unless set otherwise). A
+  // file too damaged to take the mode still opens, so that its owner can
+  // check it and handle it as it chooses.
   static std::optional<SqliteDatabase> open(const std::string& path, int flags = kOpenReadWrite | kOpenCreate,
                                             Error* error = nullptr);
+  // The mode later opens use, process-wide (benchmarks select the rollback
+  // journal to measure the older way). Any thread; set before opening.
+  static void setDurability(SqliteDurability durability);
+  static SqliteDurability durability();
+  // Removes the database file with its write-ahead log and shared-memory
+  // index, so that a new file at the same path never meets an old log.
+  // True when nothing of it is left.
+  static bool removeFiles(const std::string& path);
 
   SqliteDatabase(SqliteDatabase&& other) noexcept;
   SqliteDatabase& operator=(SqliteDatabase&& other) noexcept;

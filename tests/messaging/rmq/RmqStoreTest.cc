@@ -1,13 +1,11 @@
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <fstream>
 #include <memory>
+#include <set>
 
 #include "messaging/rmq/MSGRmqManager.h"
 #include "platform/data/SqliteDatabase.h"
+#include "support/KilledWriter.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -137,43 +135,29 @@ TEST_F(RmqStoreTest, SyncMessagesAndQuotedIdFindsNothing) {
   EXPECT_EQ(manager->deleteExpiredOrFinishedSyncMessages(&error), 1);
 }
 
-TEST_F(RmqStoreTest, KilledWhileSavingLeavesMessageOrNothing) {
+TEST_F(RmqStoreTest, AKilledProcessLosesNoSavedMessageOrS2dId) {
   open();  // the tables exist before the child starts
-  for (int round = 0; round < 3; ++round) {
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      MSGRmqManager manager("rmq2", fileSystem);
-      manager.loadRmqId();
-      std::string payload(2000, 'p');
-      for (bool told = false;; told = true) {
-        auto stanza = upstream(payload);
-        manager.saveRmqMessage(stanza, nullptr);
-        if (!told) (void)!write(ready[1], "x", 1);  // one message is in: the parent may kill
-      }
-    }
-    char byte;
-    ASSERT_EQ(read(ready[0], &byte, 1), 1);
-    close(ready[0]);
-    close(ready[1]);
-    usleep(3000 * round);  // somewhere in a later save
-    kill(child, SIGKILL);
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status));
-    auto manager = open();
-    auto database = platform::SqliteDatabase::open(path().string());
-    EXPECT_EQ(*database->integrityCheck(), std::vector<std::string>{"ok"});
-    int count = 0;
-    manager->scanWithRmqMessageHandler(nullptr, [&](int64_t id, const RelayDataMessageStanza& stanza) {
-      ++count;
-      EXPECT_EQ(stanza.persistentid(), std::to_string(id));
-      EXPECT_EQ(stanza.category().size(), 2000u);
-    });
-    EXPECT_GT(count, 0);
-  }
+  std::unique_ptr<MSGRmqManager> writer;
+  const int saved = testing::killWriterAfter(50, [&](int i) {
+    if (!writer) writer = open();
+    auto stanza = upstream(std::string(2000, 'p'));
+    writer->saveRmqMessage(stanza, nullptr);
+    writer->saveS2dMessageWithRmqId("s2d-" + std::to_string(i));
+  });
+  writer.reset();
+  auto manager = open();
+  auto database = platform::SqliteDatabase::open(path().string());
+  EXPECT_EQ(*database->integrityCheck(), std::vector<std::string>{"ok"});
+  int count = 0;
+  manager->scanWithRmqMessageHandler(nullptr, [&](int64_t id, const RelayDataMessageStanza& stanza) {
+    ++count;
+    EXPECT_EQ(stanza.persistentid(), std::to_string(id));
+    EXPECT_EQ(stanza.category().size(), 2000u);
+  });
+  EXPECT_GE(count, saved);
+  const auto s2d = manager->unackedS2dRmqIds();
+  std::set<std::string> ids(s2d.begin(), s2d.end());
+  for (int i = 0; i < saved; ++i) EXPECT_TRUE(ids.count("s2d-" + std::to_string(i))) << i;
 }
 
 }  // namespace

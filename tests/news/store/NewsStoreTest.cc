@@ -11,6 +11,7 @@
 #include "news/store/NewsDatabaseFile.h"
 #include "news/store/NewsStore.h"
 #include "platform/data/SqliteDatabase.h"
+#include "support/KilledWriter.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -204,6 +205,32 @@ TEST_F(NewsStoreTest, AFileThatCannotBeOpenedLogsNothingAndLeavesTheMarkUnchange
   EXPECT_EQ(arrNews.count(), 0u);
   EXPECT_FALSE(log_.contains("Problem is"));
   EXPECT_FALSE(log_.contains("SQL Query"));
+}
+
+TEST_F(NewsStoreTest, AKilledProcessLosesNoStoredStoryOrBookmark) {
+  file_.copyDatabaseIfNeeded();
+  const int stored = testing::killWriterAfter(50, [&](int i) {
+    const Value story = item(Value(std::to_string(i)), "Story " + std::to_string(i));
+    store_.insertAllRecordToDB(Value::array({story}));
+    store_.insertAllRecordToBookmark(Value::array({story}), 0);
+  });
+  EXPECT_EQ(rows("PRAGMA integrity_check"), (std::vector<std::vector<std::string>>{{"ok"}}));
+  const auto stories = rows("SELECT id FROM news_table ORDER BY rowid");
+  const auto bookmarks = rows("SELECT id FROM bookmark_table ORDER BY rowid");
+  ASSERT_GE(stories.size(), static_cast<size_t>(stored));
+  ASSERT_GE(bookmarks.size(), static_cast<size_t>(stored));
+  for (int i = 0; i < stored; ++i) {
+    EXPECT_EQ(stories[i][0], std::to_string(i));
+    EXPECT_EQ(bookmarks[i][0], std::to_string(i));
+  }
+}
+
+TEST_F(NewsStoreTest, ThePackagedFileIsMadeInWriteAheadLogMode) {
+  std::ifstream packaged(NewsDatabaseFile::builtResourceDirectory() / "News.sqlite", std::ios::binary);
+  char header[20] = {};
+  ASSERT_TRUE(packaged.read(header, sizeof header));
+  EXPECT_EQ(header[18], 2);  // file format: write version 2 is the write-ahead log
+  EXPECT_EQ(header[19], 2);
 }
 
 }  // namespace

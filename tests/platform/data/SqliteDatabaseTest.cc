@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "support/TempDir.h"
@@ -112,6 +113,7 @@ TEST_F(SqliteDatabaseTest, IntegrityCheckSeesDamage) {
                  "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<2000)"
                  " INSERT INTO t SELECT i, printf('row %08d', i) FROM n;"));
     EXPECT_EQ(db->integrityCheck(), std::vector<std::string>{"ok"});
+    ASSERT_TRUE(db->exec("PRAGMA wal_checkpoint(TRUNCATE)"));  // the rows into the file itself
     db->close();
     // Change one stored text behind SQLite's back: table and index disagree.
     std::fstream file(path("c.sqlite"), std::ios::in | std::ios::out | std::ios::binary);
@@ -144,6 +146,41 @@ TEST_F(SqliteDatabaseTest, MovedFromObjectsAreInert) {
   ASSERT_EQ(other.step(), Step::Row);
   EXPECT_EQ(other.columnInt64(0), 42);
   EXPECT_FALSE(moved.prepare("  -- nothing"));
+}
+
+// The text of the first column of the first row of `sql`.
+std::string firstText(SqliteDatabase& db, const char* sql) {
+  auto statement = db.prepare(sql);
+  return statement && statement->step() == SqliteStatement::StepResult::Row ? statement->columnText(0) : "";
+}
+
+TEST_F(SqliteDatabaseTest, WritableFilesKeepAWriteAheadLogThatOutlivesTheConnection) {
+  const std::string file = path("wal.sqlite");
+  {
+    auto db = SqliteDatabase::open(file);
+    EXPECT_EQ(firstText(*db, "PRAGMA journal_mode"), "wal");
+    EXPECT_EQ(firstText(*db, "PRAGMA synchronous"), "1");  // NORMAL: no sync per commit
+    ASSERT_TRUE(db->exec("CREATE TABLE t (v TEXT); INSERT INTO t VALUES ('kept')"));
+  }
+  // Closing does not fold the log back into the file (no sync on every close).
+  EXPECT_TRUE(std::filesystem::exists(file + "-wal"));
+  auto reader = SqliteDatabase::open(file, SqliteDatabase::kOpenReadOnly);
+  EXPECT_EQ(firstText(*reader, "SELECT v FROM t"), "kept");
+  reader->close();
+
+  EXPECT_TRUE(SqliteDatabase::removeFiles(file));
+  for (const char* suffix : {"", "-wal", "-shm"}) EXPECT_FALSE(std::filesystem::exists(file + suffix)) << suffix;
+  auto fresh = SqliteDatabase::open(file);
+  EXPECT_EQ(firstText(*fresh, "SELECT count(*) FROM sqlite_master"), "0");
+}
+
+TEST_F(SqliteDatabaseTest, TheRollbackJournalCanBeChosenForComparison) {
+  const std::string file = path("journal.sqlite");
+  SqliteDatabase::setDurability(SqliteDurability::RollbackJournal);
+  auto db = SqliteDatabase::open(file);
+  SqliteDatabase::setDurability(SqliteDurability::WriteAheadLog);
+  EXPECT_EQ(firstText(*db, "PRAGMA journal_mode"), "delete");
+  EXPECT_EQ(firstText(*db, "PRAGMA synchronous"), "2");  // FULL
 }
 
 }  // namespace
