@@ -26,7 +26,8 @@ bool InstanceIDBackupExcludedPlist::writeDictionary(const platform::Value::Dicti
                                                     platform::Error* error) {
   const auto path = plistPath();
   const auto encoded = platform::PropertyList::write(platform::Value(dictionary), platform::PropertyList::Format::XML);
-  if (!encoded || !platform::AtomicFile::write(path, *encoded)) {
+  // Owner only, whatever the umask: the files hold the device's credentials and tokens.
+  if (!encoded || !platform::AtomicFile::write(path, *encoded, nullptr, 0600)) {
     iidLogError(platform::format("Failed to write to %@.plist", fileName_));
     return false;
   }

@@ -22,9 +22,10 @@ void NewsDatabaseFile::copyDatabaseIfNeeded() const {
   if (fileSystem_->fileExists(target)) return;
   std::error_code ignored;
   if (!std::filesystem::copy_file(fileSystem_->resourceDirectory() / kFileName, target, ignored)) return;
-  // The copy takes the resource's mode; a read-only resource must still give a writable store.
+  // The copy would take the resource's mode; the store is the owner's alone
+  // and writable, even from a read-only resource.
   std::filesystem::permissions(target, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-                               std::filesystem::perm_options::add, ignored);
+                               std::filesystem::perm_options::replace, ignored);
 }
 
 std::filesystem::path NewsDatabaseFile::builtResourceDirectory() { return QUILLET_RESOURCE_DIR; }

@@ -1,6 +1,7 @@
 #include "platform/data/SqliteDatabase.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <filesystem>
@@ -34,6 +35,8 @@ void applyDurability(sqlite3* db) {
 
 std::optional<SqliteDatabase> SqliteDatabase::open(const std::string& path, int flags, Error* error) {
   sqlite3* db = nullptr;
+  std::error_code ignored;
+  const bool creating = (flags & kOpenCreate) != 0 && !std::filesystem::exists(path, ignored);
   int rc = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
   if (rc != SQLITE_OK) {
     setSqliteError(error, db, rc, "Cannot open " + path);
@@ -41,6 +44,9 @@ std::optional<SqliteDatabase> SqliteDatabase::open(const std::string& path, int 
     return std::nullopt;
   }
   sqlite3_extended_result_codes(db, 1);
+  // A new file is the owner's alone, whatever the umask (the queue's file
+  // holds messages); its log and index take the same mode.
+  if (creating) ::chmod(path.c_str(), 0600);
   if ((flags & kOpenReadWrite) != 0) applyDurability(db);
   return SqliteDatabase(db);
 }

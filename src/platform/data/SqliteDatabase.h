@@ -46,7 +46,7 @@ class SqliteDatabase {
   static constexpr int kOpenCreate = 0x00000004;
   static constexpr int kOpenFullMutex = 0x00010000;
 
-  // Opens (or creates) the file; a connection that can write is put in the
+  // Opens (or creates, with mode 0600) the file; a connection that can write is put in the
   // process's durability mode (the write-ahead log unless set otherwise). A
   // file too damaged to take the mode still opens, so that its owner can
   // check it and handle it as it chooses.

@@ -27,7 +27,8 @@ void UserDefaults::load() {
 }
 
 bool UserDefaults::persistLocked() {
-  dirty_ = !PropertyListFile::save(path_, Value(values_), "defaults");
+  // Owner only, whatever the umask: the defaults hold the registration token ("DeviceID").
+  dirty_ = !PropertyListFile::save(path_, Value(values_), "defaults", 0600);
   return !dirty_;
 }
 

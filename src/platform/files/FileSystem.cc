@@ -92,7 +92,13 @@ void FileSystem::setStandard(std::shared_ptr<FileSystem> fileSystem) {
   standardInstance() = std::move(fileSystem);
 }
 
+void FileSystem::ensureRoot() const {
+  std::error_code ec;
+  if (fs::create_directories(root_, ec)) ::chmod(root_.c_str(), 0700);
+}
+
 fs::path FileSystem::ensureDirectory(fs::path dir, bool privateMode) const {
+  ensureRoot();
   std::error_code ec;
   fs::create_directories(dir, ec);
   if (ec) Log::writef("Cannot create directory %s: %s", dir.c_str(), ec.message().c_str());
@@ -143,8 +149,7 @@ bool FileSystem::setSideRecord(const fs::path& path, bool excluded, Error* error
   std::string key = recordKey(path);
   bool changed = excluded ? entries.insert(key).second : entries.erase(key) > 0;
   if (!changed) return true;
-  std::error_code ec;
-  fs::create_directories(root_, ec);
+  ensureRoot();
   return writeRecord(sideRecordPath(), entries, error);
 }
 

@@ -17,6 +17,8 @@ namespace quillet::platform {
 // plus a read-only resource directory of packaged resources that lives
 // apart from the root. Directory getters create the directory on demand
 // (a failure to create is logged once per call and the path still returned).
+// The root is created with mode 0700, whatever the umask: it holds the
+// program's credentials, so only its owner may enter it.
 // Instances are immutable after construction and usable from any thread.
 class FileSystem {
  public:
@@ -64,6 +66,7 @@ class FileSystem {
 
  private:
   std::filesystem::path ensureDirectory(std::filesystem::path dir, bool privateMode = false) const;
+  void ensureRoot() const;
   std::filesystem::path sideRecordPath() const;
   bool setSideRecord(const std::filesystem::path& path, bool excluded, Error* error) const;
   bool inSideRecord(const std::filesystem::path& path) const;

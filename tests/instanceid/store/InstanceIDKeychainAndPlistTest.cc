@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "instanceid/store/InstanceIDAuthKeychain.h"
 #include "instanceid/store/InstanceIDBackupExcludedPlist.h"
@@ -69,6 +70,18 @@ TEST(InstanceIDBackupExcludedPlistTest, WriteMarksNoBackupAndCaches) {
   EXPECT_FALSE(plist.doesFileExist());
   EXPECT_EQ(reader.contentAsDictionary()->at("k"), Value("w"));  // its own cache
   EXPECT_TRUE(plist.deleteFile(nullptr));
+}
+
+TEST(InstanceIDBackupExcludedPlistTest, TheFileIsTheOwnersAloneWhateverTheUmask) {
+  testing::TestInstall install;
+  InstanceIDBackupExcludedPlist plist("g-checkin", install.env);
+  const mode_t previous = ::umask(0);
+  const bool written = plist.writeDictionary({{"secret", Value("s")}}, nullptr);
+  ::umask(previous);
+  ASSERT_TRUE(written);
+  struct stat info {};
+  ASSERT_EQ(::stat(plist.plistPath().c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0600u);
 }
 
 TEST(InstanceIDBackupExcludedPlistTest, DamagedFileAndFailedWrite) {

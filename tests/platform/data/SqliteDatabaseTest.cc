@@ -1,6 +1,7 @@
 #include "platform/data/SqliteDatabase.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -157,13 +158,21 @@ std::string firstText(SqliteDatabase& db, const char* sql) {
 TEST_F(SqliteDatabaseTest, WritableFilesKeepAWriteAheadLogThatOutlivesTheConnection) {
   const std::string file = path("wal.sqlite");
   {
+    const mode_t previous = ::umask(0);
     auto db = SqliteDatabase::open(file);
+    ::umask(previous);
     EXPECT_EQ(firstText(*db, "PRAGMA journal_mode"), "wal");
     EXPECT_EQ(firstText(*db, "PRAGMA synchronous"), "1");  // NORMAL: no sync per commit
     ASSERT_TRUE(db->exec("CREATE TABLE t (v TEXT); INSERT INTO t VALUES ('kept')"));
   }
   // Closing does not fold the log back into the file (no sync on every close).
   EXPECT_TRUE(std::filesystem::exists(file + "-wal"));
+  // The owner's alone, whatever the umask: the queue's file holds messages.
+  for (const char* suffix : {"", "-wal"}) {
+    struct stat info {};
+    ASSERT_EQ(::stat((file + suffix).c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0600u) << suffix;
+  }
   auto reader = SqliteDatabase::open(file, SqliteDatabase::kOpenReadOnly);
   EXPECT_EQ(firstText(*reader, "SELECT v FROM t"), "kept");
   reader->close();

@@ -1,6 +1,7 @@
 #include "platform/defaults/UserDefaults.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <thread>
 #include <vector>
@@ -102,6 +103,24 @@ TEST(UserDefaultsTest, ConcurrentWritersLoseNothing) {
   UserDefaults reread(files, "app");
   EXPECT_EQ(reread.dictionaryRepresentation().size(), 100u);
   EXPECT_EQ(reread.integerForKey("k3-24"), 24);
+}
+
+mode_t modeOf(const std::filesystem::path& path) {
+  struct stat info {};
+  ::stat(path.c_str(), &info);
+  return info.st_mode & 07777;
+}
+
+TEST(UserDefaultsTest, TheDataRootAndTheDefaultsFileAreTheOwnersAloneWhateverTheUmask) {
+  TempDir dir;
+  const mode_t previous = ::umask(0);
+  FileSystem files(dir.path() / "install");
+  UserDefaults defaults(files, "quillet");
+  const bool saved = defaults.setObject(Value("registration-token"), "DeviceID");
+  ::umask(previous);
+  ASSERT_TRUE(saved);
+  EXPECT_EQ(modeOf(files.root()), 0700u);
+  EXPECT_EQ(modeOf(defaults.path()), 0600u);
 }
 
 }  // namespace
