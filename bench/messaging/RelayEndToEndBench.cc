@@ -10,6 +10,7 @@
 
 #include "backend/authority/BackendCertificateAuthority.h"
 #include "backend/relay/RelayServer.h"
+#include "bench/SqliteModeScope.h"
 #include "messaging/connection/MSGConnection.h"
 #include "platform/log/Log.h"
 
@@ -25,6 +26,7 @@ struct CountingDelegate : MSGConnectionDelegate {
 };
 
 void BM_RelayEndToEnd(benchmark::State& state) {
+  bench::SqliteModeScope mode(state, 1);
   platform::Log::setStandardErrorEnabled(false);
   char pattern[] = "/tmp/quillet-relay-bench-XXXXXX";
   const std::filesystem::path dir = mkdtemp(pattern);
@@ -71,7 +73,14 @@ void BM_RelayEndToEnd(benchmark::State& state) {
   server.stop();
   std::filesystem::remove_all(dir);
 }
-BENCHMARK(BM_RelayEndToEnd)->Arg(0)->Arg(1)->Iterations(3)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_RelayEndToEnd)
+    ->Args({0, 1})
+    ->Args({1, 0})
+    ->Args({1, 1})
+    ->ArgNames({"persisted", "wal"})
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 }  // namespace
 }  // namespace quillet::messaging

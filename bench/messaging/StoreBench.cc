@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "bench/SqliteModeScope.h"
 #include "messaging/rmq/MSGRmqManager.h"
 #include "platform/data/SqliteDatabase.h"
 #include "platform/log/Log.h"
@@ -21,6 +22,7 @@ std::filesystem::path freshDirectory() {
 }
 
 void BM_SaveS2dMessage(benchmark::State& state) {
+  bench::SqliteModeScope mode(state);
   auto dir = freshDirectory();
   {
     MSGRmqManager manager("rmq2", std::make_shared<platform::FileSystem>(dir));
@@ -30,7 +32,7 @@ void BM_SaveS2dMessage(benchmark::State& state) {
   }
   std::filesystem::remove_all(dir);
 }
-BENCHMARK(BM_SaveS2dMessage)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_SaveS2dMessage)->Arg(0)->Arg(1)->ArgName("wal")->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 void BM_RemoveS2dIds(benchmark::State& state) {
   auto dir = freshDirectory();

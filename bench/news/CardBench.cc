@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "bench/SqliteModeScope.h"
 #include "news/card/NewsCard.h"
 #include "news/store/NewsDatabaseFile.h"
 #include "news/store/NewsStore.h"
@@ -184,6 +185,7 @@ BENCHMARK(BM_DateFormatterReused)->Unit(benchmark::kMicrosecond);
 // The unread list read once, then every card of it drawn as above; all marked
 // unread again between iterations (outside the timing).
 void BM_SwipeThroughStoredStories(benchmark::State& state) {
+  bench::SqliteModeScope mode(state);
   StoredStories& stories = StoredStories::shared();
   for (auto _ : state) {
     state.PauseTiming();
@@ -197,7 +199,7 @@ void BM_SwipeThroughStoredStories(benchmark::State& state) {
   state.counters["per_card"] =
       benchmark::Counter(kStories, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
-BENCHMARK(BM_SwipeThroughStoredStories)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_SwipeThroughStoredStories)->Arg(0)->Arg(1)->ArgName("wal")->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 }  // namespace quillet::news

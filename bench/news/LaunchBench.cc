@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "backend/news/NewsServer.h"
+#include "bench/SqliteModeScope.h"
 #include "news/app/AppKeys.h"
 #include "news/app/SplashVC.h"
 #include "news/driver/PhoneSession.h"
@@ -77,6 +78,7 @@ bool feedHasArrived(PhoneSession& session) {
 }
 
 void BM_LaunchToFirstFeedReply(benchmark::State& state) {
+  bench::SqliteModeScope mode(state);
   LaunchServer& fixture = LaunchServer::shared();
   if (!fixture.started || fixture.userID.empty()) {
     state.SkipWithError("the news server did not start");
@@ -118,7 +120,13 @@ void BM_LaunchToFirstFeedReply(benchmark::State& state) {
   }
   state.counters["launch_command"] = benchmark::Counter(launchCallSeconds, benchmark::Counter::kAvgIterations);
 }
-BENCHMARK(BM_LaunchToFirstFeedReply)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(10);
+BENCHMARK(BM_LaunchToFirstFeedReply)
+    ->Arg(0)
+    ->Arg(1)
+    ->ArgName("wal")
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime()
+    ->Iterations(10);
 
 // The splash screen's pause alone, as it sleeps it on real time.
 void BM_SplashPause(benchmark::State& state) {

@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <filesystem>
+#include <map>
+#include <mutex>
 #include <utility>
 
 #include "platform/data/SqliteError.h"
@@ -20,12 +22,73 @@ namespace {
 
 std::atomic<SqliteDurability> processDurability{SqliteDurability::WriteAheadLog};
 
+// One idle connection per file, kept open for the life of the process. The
+// stores open and close a connection per operation; were that the file's
+// last connection, every open would rebuild the log's index by reading the
+// whole log, and every close would fold the log back with disk syncs. With
+// the keeper, the index stays in shared memory and the log is folded back
+// only when it has grown (SQLite's automatic checkpoint, at a commit).
+class LogKeepers {
+ public:
+  static LogKeepers& shared() {
+    // Never destroyed: nothing is torn down at exit, and the log is recovered at the next start.
+    static auto* keepers = new LogKeepers;
+    return *keepers;
+  }
+  // Keeps a connection to the file at `path`; a keeper of a file that has
+  // since been replaced at that path (removed by hand) is let go first.
+  void keep(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return;
+    std::lock_guard lock(mutex_);
+    auto found = keepers_.find(path);
+    if (found != keepers_.end()) {
+      if (found->second.device == info.st_dev && found->second.inode == info.st_ino) return;
+      sqlite3_close_v2(found->second.connection);
+      keepers_.erase(found);
+    }
+    sqlite3* keeper = nullptr;
+    if (sqlite3_open_v2(path.c_str(), &keeper, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
+      sqlite3_db_config(keeper, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+      // One read opens the log and its index; the connection holds them from then on.
+      sqlite3_exec(keeper, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+      keepers_.emplace(path, Keeper{keeper, info.st_dev, info.st_ino});
+    } else {
+      sqlite3_close_v2(keeper);
+    }
+  }
+  void release(const std::string& path) {
+    std::lock_guard lock(mutex_);
+    auto found = keepers_.find(path);
+    if (found == keepers_.end()) return;
+    sqlite3_close_v2(found->second.connection);
+    keepers_.erase(found);
+  }
+  void releaseAll() {
+    std::lock_guard lock(mutex_);
+    for (auto& [path, keeper] : keepers_) sqlite3_close_v2(keeper.connection);
+    keepers_.clear();
+  }
+
+ private:
+  struct Keeper {
+    sqlite3* connection;
+    dev_t device;
+    ino_t inode;
+  };
+  std::mutex mutex_;
+  std::map<std::string, Keeper> keepers_;
+};
+
 // Puts a writable connection in the durability mode. Failures are left to
 // the caller's own statements to meet: a damaged file still opens.
-void applyDurability(sqlite3* db) {
+void applyDurability(sqlite3* db, const std::string& path) {
   if (processDurability.load() == SqliteDurability::WriteAheadLog) {
     sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-    sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;", nullptr, nullptr, nullptr);
+    if (sqlite3_exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;", nullptr, nullptr, nullptr) ==
+        SQLITE_OK) {
+      LogKeepers::shared().keep(path);
+    }
   } else {
     sqlite3_exec(db, "PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL;", nullptr, nullptr, nullptr);
   }
@@ -47,15 +110,20 @@ std::optional<SqliteDatabase> SqliteDatabase::open(const std::string& path, int 
   // A new file is the owner's alone, whatever the umask (the queue's file
   // holds messages); its log and index take the same mode.
   if (creating) ::chmod(path.c_str(), 0600);
-  if ((flags & kOpenReadWrite) != 0) applyDurability(db);
+  if ((flags & kOpenReadWrite) != 0) applyDurability(db, path);
   return SqliteDatabase(db);
 }
 
-void SqliteDatabase::setDurability(SqliteDurability durability) { processDurability.store(durability); }
+void SqliteDatabase::setDurability(SqliteDurability durability) {
+  processDurability.store(durability);
+  // The rollback journal needs the file to itself.
+  if (durability == SqliteDurability::RollbackJournal) LogKeepers::shared().releaseAll();
+}
 
 SqliteDurability SqliteDatabase::durability() { return processDurability.load(); }
 
 bool SqliteDatabase::removeFiles(const std::string& path) {
+  LogKeepers::shared().release(path);
   bool removed = true;
   for (const char* suffix : {"", "-wal", "-shm", "-journal"}) {
     std::error_code ec;

@@ -26,9 +26,11 @@ struct SqliteColumnInfo {
 // How the files are kept on disk. Every file the program opens for writing
 // is kept in write-ahead-log mode with normal sync: a commit appends to the
 // log without a disk sync of its own, a killed process loses nothing that
-// was committed (only a power loss can take the last commits), and closing
-// a connection does not fold the log back into the file, so opening and
-// closing per operation stays cheap. The rollback journal with a full sync
+// was committed (only a power loss can take the last commits). The platform
+// keeps one idle connection to each such file for the life of the process,
+// and closing a connection does not fold the log back into the file, so
+// opening and closing per operation stays cheap. A file is removed with
+// removeFiles(), never by hand: a new file must not meet an old log. The rollback journal with a full sync
 // per commit is the older way, kept so that benchmarks can compare the two.
 enum class SqliteDurability { WriteAheadLog, RollbackJournal };
 
