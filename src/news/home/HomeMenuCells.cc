@@ -11,7 +11,7 @@ template <class Icon, class Text>
 void buildRow(platform::TableViewCell& cell, Icon& icon, Text& label, const char* iconName, const char* labelName) {
   icon = std::make_shared<platform::ImageView>(iconName);
   label = std::make_shared<platform::Label>(labelName);
-  label->setFont(ScaledFont::scaledSystemFontWithStyle(7, 16));
+  if (ScaledFont::screensSetFonts()) label->setFont(ScaledFont::scaledSystemFontWithStyle(7, 16));
   cell.addSubview(icon);
   cell.addSubview(label);
 }

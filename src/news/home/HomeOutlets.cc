@@ -90,14 +90,16 @@ HomeOutlets::HomeOutlets(platform::ViewController& screen) {
   collectionViewNews = place<platform::CollectionView>(screen, root, "collectionViewNews");
   lblCollection = place<Label>(screen, root, "lblCollection");
 
-  // The phone's fonts: style and size scaled by the screen.
-  auto font = [](int style, double size) { return ScaledFont::scaledSystemFontWithStyle(style, size); };
-  lblNewsTitle->setFont(font(9, 20));
-  txtViewDetailNews->setFont(font(7, 16));
-  lblPostedBy->setFont(font(7, 10));
-  btnFullStory->setFont(font(7, 10));
-  for (const auto& label : {lblCategoryTitle, lblOption, lblCollection}) label->setFont(font(9, 17));
-  for (const auto& label : {lblHD, lblMode, lblNotification}) label->setFont(font(7, 16));
+  // The phone's fonts: style and size scaled by the screen (a tablet keeps the resource's).
+  if (ScaledFont::screensSetFonts()) {
+    auto font = [](int style, double size) { return ScaledFont::scaledSystemFontWithStyle(style, size); };
+    lblNewsTitle->setFont(font(9, 20));
+    txtViewDetailNews->setFont(font(7, 16));
+    lblPostedBy->setFont(font(7, 10));
+    btnFullStory->setFont(font(7, 10));
+    for (const auto& label : {lblCategoryTitle, lblOption, lblCollection}) label->setFont(font(9, 17));
+    for (const auto& label : {lblHD, lblMode, lblNotification}) label->setFont(font(7, 16));
+  }
 
   const platform::Rect bounds = root->frame().value_or(platform::Rect{});
   layOut(bounds.width, bounds.height);

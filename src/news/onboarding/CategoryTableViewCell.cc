@@ -8,7 +8,7 @@ CategoryTableViewCell::CategoryTableViewCell() : TableViewCell(kIdentifier) {
   imgCategoryType = std::make_shared<platform::ImageView>("imgCategoryType");
   imgCategoryType->setCornerRadius(20);
   lblCategoryType = std::make_shared<platform::Label>("lblCategoryType");
-  lblCategoryType->setFont(ScaledFont::scaledSystemFontWithStyle(7, 16));
+  if (ScaledFont::screensSetFonts()) lblCategoryType->setFont(ScaledFont::scaledSystemFontWithStyle(7, 16));
   btnCheck = std::make_shared<platform::Button>("btnCheck");
   btnCheck->setImageNamed("Unchecked");
   addSubview(imgCategoryType);

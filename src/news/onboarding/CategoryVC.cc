@@ -65,7 +65,7 @@ void CategoryVC::performOperation(const std::string& name, const Value& reply) {
 void CategoryVC::viewDidLoad() {
   if (auto navigation = navigationController()) navigation->setNavigationBarHidden(true);
   environment_.defaults->setObject(Value("true"), "launch");
-  lbl1_->setFont(ScaledFont::scaledSystemFontWithStyle(8, 16));
+  if (ScaledFont::screensSetFonts()) lbl1_->setFont(ScaledFont::scaledSystemFontWithStyle(8, 16));
   arrCategoryName_ = Value::Array{};
   arrCategoryIcons_ = Value::Array{};
   arrID_ = Value::Array{};

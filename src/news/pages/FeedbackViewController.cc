@@ -55,7 +55,7 @@ void FeedbackViewController::viewDidLoad() {
   txtMessage_->setBorderColor(platform::Color::blackColor());
   txtMessage_->setText(kHint);
   txtMessage_->setTextColor(platform::Color::lightGrayColor());
-  txtEmail_->setFont(ScaledFont::scaledSystemFontWithStyle(7, 16));
+  if (ScaledFont::screensSetFonts()) txtEmail_->setFont(ScaledFont::scaledSystemFontWithStyle(7, 16));
 
   auto began = [this](platform::TextInput& input) { textDidBeginEditing(input); };
   auto ended = [this](platform::TextInput& input) { textDidEndEditing(input); };

@@ -32,7 +32,7 @@ TermsConditionVC::TermsConditionVC() : ViewController("TermsConditionVC") {
 void TermsConditionVC::viewDidLoad() {
   arrDetails_ = Value::Array{};
   lblTitle_->setText(platform::format("%@", strSETTitle_));
-  txtDetails_->setFont(ScaledFont::scaledSystemFontWithStyle(8, 16));
+  if (ScaledFont::screensSetFonts()) txtDetails_->setFont(ScaledFont::scaledSystemFontWithStyle(8, 16));
   const bool terms = strSETTitle_.isString() && strSETTitle_.string() == kTermsTitle;
   parameter_ = Value::dictionary({{"id", Value(terms ? "1" : "2")}});
   auto delegate = std::shared_ptr<WebmanagerDelegate>(shared_from_this(), static_cast<WebmanagerDelegate*>(this));

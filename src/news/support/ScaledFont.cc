@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "platform/ui/Device.h"
 #include "platform/ui/Screen.h"
 
 namespace quillet::news {
@@ -18,6 +19,10 @@ constexpr std::array<const char*, 5> kCustomFonts = {"Roboto-Black", "Roboto-Bol
                                                      "Roboto-Regular"};
 
 }  // namespace
+
+bool ScaledFont::screensSetFonts() {
+  return platform::Device::current().userInterfaceIdiom == platform::UserInterfaceIdiom::Phone;
+}
 
 double ScaledFont::multiplier() {
   const platform::Screen& screen = platform::Screen::main();

@@ -23,6 +23,10 @@ class ScaledFont {
   static std::optional<platform::Font> scaledCustomFontWithStyle(int style, double size);
   // The custom font of the style at size 8, scaled.
   static std::optional<platform::Font> Caption4WithStyle(int style);
+
+  // Whether the screens set their fonts by the phone's table: on a phone
+  // they do; on a tablet they keep the fonts of their resource.
+  static bool screensSetFonts();
 };
 
 }  // namespace quillet::news

@@ -4,6 +4,8 @@
 
 #include "PagesTestSupport.h"
 #include "news/pages/TermsConditionVC.h"
+#include "platform/ui/Device.h"
+#include "platform/ui/Screen.h"
 #include "platform/ui/TextView.h"
 
 namespace quillet::news {
@@ -43,6 +45,24 @@ TEST_F(TermsConditionVCTest, OnlyTheExactTermsTitleAsksForPageOne) {
   auto last = open("Privacy Policy");
   EXPECT_EQ(last->outlet<platform::TextView>("txtDetails")->font()->name, "System-Regular");
   ASSERT_TRUE(waitFor([&] { return !details(*last).empty(); }));
+}
+
+TEST_F(TermsConditionVCTest, APadKeepsTheResourcesFontWhereAPhoneSetsItsOwn) {
+  const auto resourceFont = platform::TextView("txtDetails").font();
+  platform::Screen::main() = platform::Screen{768, 1024, 2};
+  for (auto idiom : {platform::UserInterfaceIdiom::Pad, platform::UserInterfaceIdiom::Phone}) {
+    platform::Device::current().userInterfaceIdiom = idiom;
+    auto page = open("Privacy Policy");
+    ASSERT_TRUE(waitFor([&] { return !details(*page).empty(); }));
+    const auto font = page->outlet<platform::TextView>("txtDetails")->font();
+    if (idiom == platform::UserInterfaceIdiom::Pad) {
+      EXPECT_EQ(font, resourceFont);
+    } else {
+      EXPECT_EQ(font, (platform::Font{"System-Regular", 38}));
+    }
+    page->outlet<platform::Button>("btnBack")->performTap(nullptr);
+  }
+  platform::Screen::main() = platform::Screen{};
 }
 
 TEST_F(TermsConditionVCTest, AFailedReplyOrTransportLeavesThePageBlank) {
