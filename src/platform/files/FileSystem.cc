@@ -18,8 +18,24 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kExcludedAttribute = "user.quillet.excluded-from-backup";
-constexpr const char* kSideRecordName = ".excluded-from-backup";
+// Each mark's extended attribute, and the side record under the root used
+// where the file system takes no attributes.
+struct MarkNames {
+  const char* attribute;
+  const char* sideRecord;
+};
+
+MarkNames namesOf(FileSystem::Mark mark) {
+  switch (mark) {
+    case FileSystem::Mark::Immutable:
+      return {"user.quillet.immutable", ".immutable"};
+    case FileSystem::Mark::ExcludedFromBackup:
+      break;
+  }
+  return {"user.quillet.excluded-from-backup", ".excluded-from-backup"};
+}
+
+constexpr FileSystem::Mark kMarks[] = {FileSystem::Mark::ExcludedFromBackup, FileSystem::Mark::Immutable};
 
 // Serializes read-modify-write of side records, which several instances over one root may share.
 std::mutex& sideRecordMutex() {
@@ -126,13 +142,14 @@ bool FileSystem::removeItem(const fs::path& path, Error* error) const {
     if (error) *error = AtomicFile::makeError(ec.value(), "remove", path);
     return false;
   }
-  if (fs::exists(sideRecordPath())) {
+  for (Mark mark : kMarks) {
+    if (!fs::exists(sideRecordPath(mark))) continue;
     std::lock_guard lock(sideRecordMutex());
-    auto entries = readRecord(sideRecordPath());
+    auto entries = readRecord(sideRecordPath(mark));
     std::string removed = recordKey(path);
     auto before = entries.size();
     std::erase_if(entries, [&](const std::string& key) { return isWithin(key, removed); });
-    if (entries.size() != before) writeRecord(sideRecordPath(), entries, nullptr);
+    if (entries.size() != before) writeRecord(sideRecordPath(mark), entries, nullptr);
   }
   return true;
 }
@@ -141,49 +158,49 @@ bool FileSystem::removeInstallData(Error* error) const {
   return removeItem(root_ / "Documents", error) && removeItem(root_ / "Library", error);
 }
 
-fs::path FileSystem::sideRecordPath() const { return root_ / kSideRecordName; }
+fs::path FileSystem::sideRecordPath(Mark mark) const { return root_ / namesOf(mark).sideRecord; }
 
-bool FileSystem::setSideRecord(const fs::path& path, bool excluded, Error* error) const {
+bool FileSystem::setSideRecord(const fs::path& path, Mark mark, bool on, Error* error) const {
   std::lock_guard lock(sideRecordMutex());
-  auto entries = readRecord(sideRecordPath());
+  auto entries = readRecord(sideRecordPath(mark));
   std::string key = recordKey(path);
-  bool changed = excluded ? entries.insert(key).second : entries.erase(key) > 0;
+  bool changed = on ? entries.insert(key).second : entries.erase(key) > 0;
   if (!changed) return true;
   ensureRoot();
-  return writeRecord(sideRecordPath(), entries, error);
+  return writeRecord(sideRecordPath(mark), entries, error);
 }
 
-bool FileSystem::inSideRecord(const fs::path& path) const {
+bool FileSystem::inSideRecord(const fs::path& path, Mark mark) const {
   std::lock_guard lock(sideRecordMutex());
-  return readRecord(sideRecordPath()).count(recordKey(path)) > 0;
+  return readRecord(sideRecordPath(mark)).count(recordKey(path)) > 0;
 }
 
-bool FileSystem::setExcludedFromBackup(const fs::path& path, bool excluded, Error* error) const {
+bool FileSystem::setMark(const fs::path& path, Mark mark, bool on, Error* error) const {
   struct stat info;
   if (::stat(path.c_str(), &info) != 0) {
     if (error) *error = AtomicFile::makeError(errno, "mark", path);
     return false;
   }
   if (options_.useExtendedAttributes) {
-    int rc = excluded ? ::setxattr(path.c_str(), kExcludedAttribute, "1", 1, 0)
-                      : ::removexattr(path.c_str(), kExcludedAttribute);
-    if (rc == 0 || (!excluded && errno == ENODATA)) return true;
+    const char* attribute = namesOf(mark).attribute;
+    int rc = on ? ::setxattr(path.c_str(), attribute, "1", 1, 0) : ::removexattr(path.c_str(), attribute);
+    if (rc == 0 || (!on && errno == ENODATA)) return true;
     if (errno != ENOTSUP) {
       if (error) *error = AtomicFile::makeError(errno, "mark", path);
       return false;
     }
   }
-  return setSideRecord(path, excluded, error);
+  return setSideRecord(path, mark, on, error);
 }
 
-bool FileSystem::isExcludedFromBackup(const fs::path& path, Error* error) const {
+bool FileSystem::hasMark(const fs::path& path, Mark mark, Error* error) const {
   if (!fileExists(path)) {
     if (error) *error = AtomicFile::makeError(ENOENT, "read mark of", path);
     return false;
   }
   if (options_.useExtendedAttributes) {
     char value[8];
-    ssize_t n = ::getxattr(path.c_str(), kExcludedAttribute, value, sizeof value);
+    ssize_t n = ::getxattr(path.c_str(), namesOf(mark).attribute, value, sizeof value);
     if (n >= 0) return n > 0 && value[0] == '1';
     if (errno == ENODATA) return false;
     if (errno != ENOTSUP) {
@@ -191,7 +208,21 @@ bool FileSystem::isExcludedFromBackup(const fs::path& path, Error* error) const 
       return false;
     }
   }
-  return inSideRecord(path);
+  return inSideRecord(path, mark);
 }
+
+bool FileSystem::setExcludedFromBackup(const fs::path& path, bool excluded, Error* error) const {
+  return setMark(path, Mark::ExcludedFromBackup, excluded, error);
+}
+
+bool FileSystem::isExcludedFromBackup(const fs::path& path, Error* error) const {
+  return hasMark(path, Mark::ExcludedFromBackup, error);
+}
+
+bool FileSystem::setImmutable(const fs::path& path, bool immutable, Error* error) const {
+  return setMark(path, Mark::Immutable, immutable, error);
+}
+
+bool FileSystem::isImmutable(const fs::path& path, Error* error) const { return hasMark(path, Mark::Immutable, error); }
 
 }  // namespace quillet::platform

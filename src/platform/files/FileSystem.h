@@ -22,6 +22,11 @@ namespace quillet::platform {
 // Instances are immutable after construction and usable from any thread.
 class FileSystem {
  public:
+  // Marks a file can bear, as the phone's file attributes: kept out of
+  // device backups, and immutable (the real attribute needs root, so the
+  // mark is kept beside the file like the backup exclusion).
+  enum class Mark { ExcludedFromBackup, Immutable };
+
   struct Options {
     std::filesystem::path resourceDirectory;  // empty: <root>/Resources
     // Record backup exclusion in an extended attribute when the file system
@@ -59,6 +64,13 @@ class FileSystem {
   bool setExcludedFromBackup(const std::filesystem::path& path, bool excluded, Error* error = nullptr) const;
   // Whether the file bears the mark; false with `error` when it cannot be read.
   bool isExcludedFromBackup(const std::filesystem::path& path, Error* error = nullptr) const;
+  // The immutable mark, read and cleared the same way. It records the
+  // attribute; it does not stop this process from writing the file.
+  bool setImmutable(const std::filesystem::path& path, bool immutable, Error* error = nullptr) const;
+  bool isImmutable(const std::filesystem::path& path, Error* error = nullptr) const;
+  // Any mark: sets or clears it, reads it.
+  bool setMark(const std::filesystem::path& path, Mark mark, bool on, Error* error = nullptr) const;
+  bool hasMark(const std::filesystem::path& path, Mark mark, Error* error = nullptr) const;
 
   // What deleting and installing the app again does: removes Documents and
   // Library (defaults, caches, support files) and keeps the keychain.
@@ -67,9 +79,9 @@ class FileSystem {
  private:
   std::filesystem::path ensureDirectory(std::filesystem::path dir, bool privateMode = false) const;
   void ensureRoot() const;
-  std::filesystem::path sideRecordPath() const;
-  bool setSideRecord(const std::filesystem::path& path, bool excluded, Error* error) const;
-  bool inSideRecord(const std::filesystem::path& path) const;
+  std::filesystem::path sideRecordPath(Mark mark) const;
+  bool setSideRecord(const std::filesystem::path& path, Mark mark, bool on, Error* error) const;
+  bool inSideRecord(const std::filesystem::path& path, Mark mark) const;
 
   std::filesystem::path root_;
   Options options_;

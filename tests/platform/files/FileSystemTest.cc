@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "platform/files/AtomicFile.h"
+#include "platform/files/DiskSpace.h"
 #include "support/TempDir.h"
 
 namespace quillet::platform {
@@ -69,6 +70,25 @@ TEST_P(BackupExclusionTest, MarkPersistsAndFollowsTheFile) {
   EXPECT_FALSE(files.isExcludedFromBackup(path));
 }
 
+TEST_P(BackupExclusionTest, TheImmutableMarkIsReadAndClearedApartFromTheBackupMark) {
+  TempDir dir;
+  FileSystem files(dir.path(), {.resourceDirectory = {}, .useExtendedAttributes = GetParam()});
+  auto path = files.documentsDirectory() / "log-1";
+  ASSERT_TRUE(AtomicFile::write(path, "entry"));
+  EXPECT_FALSE(files.isImmutable(path));
+  ASSERT_TRUE(files.setImmutable(path, true));
+  EXPECT_TRUE(files.isImmutable(path));
+  EXPECT_FALSE(files.isExcludedFromBackup(path));
+  ASSERT_TRUE(files.setExcludedFromBackup(path, true));
+  ASSERT_TRUE(files.setImmutable(path, false));
+  EXPECT_FALSE(files.isImmutable(path));
+  EXPECT_TRUE(files.isExcludedFromBackup(path));
+  ASSERT_TRUE(files.setImmutable(path, true));
+  ASSERT_TRUE(files.removeItem(path));
+  ASSERT_TRUE(AtomicFile::write(path, "again"));
+  EXPECT_FALSE(files.isImmutable(path));
+}
+
 INSTANTIATE_TEST_SUITE_P(Both, BackupExclusionTest, ::testing::Values(true, false));
 
 TEST(FileSystemTest, RemoveInstallDataKeepsTheKeychain) {
@@ -82,6 +102,18 @@ TEST(FileSystemTest, RemoveInstallDataKeepsTheKeychain) {
   EXPECT_FALSE(files.fileExists(dir.path() / "Library" / "Preferences" / "p"));
   EXPECT_TRUE(files.fileExists(dir.path() / "Keychain" / "k"));
   EXPECT_TRUE(files.removeItem(dir.path() / "never-there"));
+}
+
+TEST(DiskSpaceTest, ReadsTheDiskOrTheFigureATestSet) {
+  TempDir dir;
+  auto free = DiskSpace::freeBytes(dir.path());
+  ASSERT_TRUE(free);
+  EXPECT_GT(*free, 0u);
+  EXPECT_FALSE(DiskSpace::freeBytes(dir.path() / "missing"));
+  DiskSpace::setOverride(0);
+  EXPECT_EQ(DiskSpace::freeBytes(dir.path() / "missing"), 0u);
+  DiskSpace::setOverride(std::nullopt);
+  EXPECT_TRUE(DiskSpace::freeBytes(dir.path()));
 }
 
 }  // namespace
