@@ -9,6 +9,12 @@ find_package(ICU REQUIRED COMPONENTS uc i18n)
 find_package(nlohmann_json REQUIRED)
 find_package(CLI11 REQUIRED)
 pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
+# FarmHash's fingerprint, for identifiers that must hash alike everywhere (no pkg-config file).
+find_path(FARMHASH_INCLUDE_DIR farmhash.h REQUIRED)
+find_library(FARMHASH_LIBRARY farmhash REQUIRED)
+add_library(quillet_farmhash INTERFACE)
+target_include_directories(quillet_farmhash SYSTEM INTERFACE ${FARMHASH_INCLUDE_DIR})
+target_link_libraries(quillet_farmhash INTERFACE ${FARMHASH_LIBRARY})
 # Video: containers, decoders and pixel conversion for the platform's media facility.
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libswscale libavutil)
 # Still images: PNG, JPEG, GIF and BMP decoding for the platform's image facility.
