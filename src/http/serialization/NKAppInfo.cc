@@ -1,30 +1,24 @@
 #include "http/serialization/NKAppInfo.h"
 
-#include <mutex>
+#include "platform/device/AppBundle.h"
+#include "platform/device/DeviceInfo.h"
+#include "platform/ui/Screen.h"
 
 namespace quillet::http {
-namespace {
-
-std::mutex& infoMutex() {
-  static std::mutex mutex;
-  return mutex;
-}
-
-NKAppInfo& stored() {
-  static NKAppInfo info;
-  return info;
-}
-
-}  // namespace
 
 NKAppInfo NKAppInfo::current() {
-  std::lock_guard lock(infoMutex());
-  return stored();
-}
-
-void NKAppInfo::setCurrent(NKAppInfo info) {
-  std::lock_guard lock(infoMutex());
-  stored() = std::move(info);
+  const platform::AppBundle bundle = platform::AppBundle::main();
+  const platform::DeviceInfo device = platform::DeviceInfo::current();
+  NKAppInfo info;
+  info.executableName = bundle.executableName;
+  info.bundleIdentifier = bundle.bundleIdentifier;
+  info.shortVersionString = bundle.shortVersionString;
+  info.bundleVersion = bundle.bundleVersion;
+  info.deviceModel = device.model;
+  info.systemName = device.systemName;
+  info.systemVersion = device.systemVersion;
+  info.screenScale = platform::Screen::main().scale;
+  return info;
 }
 
 }  // namespace quillet::http

@@ -5,8 +5,9 @@
 namespace quillet::http {
 
 // What the app and device tell about themselves, for the default
-// "User-Agent" of the request serializer. The app fills it at launch with
-// setCurrent(); tests pass their own to the serializer. A plain value.
+// "User-Agent" of the request serializer: read from the platform's bundle,
+// device and screen by current(); tests pass their own to the serializer.
+// A plain value.
 struct NKAppInfo {
   std::string executableName = "Quillet";  // the bundle's executable name
   std::string bundleIdentifier;            // used when executableName is empty
@@ -17,9 +18,8 @@ struct NKAppInfo {
   std::string systemVersion = "1.0";
   double screenScale = 2.0;
 
-  // The process-wide info (the defaults above until setCurrent). Thread-safe.
+  // The process's bundle, device and main screen now. Thread-safe.
   static NKAppInfo current();
-  static void setCurrent(NKAppInfo info);
 };
 
 }  // namespace quillet::http
