@@ -40,6 +40,17 @@ int main(int argc, char** argv) {
                  "The messaging sender the app asks a token for (default: none configured)");
   app.add_option("--start-time", options.startWallSeconds,
                  "Virtual clock: the wall time it starts at, in seconds since 1970");
+  app.add_option("--app-version", options.appVersion, "The app's short version (CFBundleShortVersionString)")
+      ->capture_default_str();
+  app.add_option("--build-version", options.buildVersion, "The app's build version (CFBundleVersion)")
+      ->capture_default_str();
+  app.add_option("--os-version", options.osVersion, "The system's version")->capture_default_str();
+  app.add_option("--time-zone", options.timeZone, "The device's time zone, an Olson id (default: $TZ, else UTC)");
+  app.add_option("--languages", options.languages, "The preferred languages, comma separated (default: $LANGUAGE)")
+      ->delimiter(',');
+  app.add_option("--app-arg", options.appArguments,
+                 "One argument of the app's process (repeatable; --app-arg=-MTRDebugEnabled)")
+      ->expected(1);
   bool version = false;
   app.add_flag("--version", version, "Print the version and exit");
   CLI11_PARSE(app, argc, argv);

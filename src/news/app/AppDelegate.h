@@ -51,6 +51,8 @@ class AppDelegate : public platform::ApplicationDelegate,
                                                           std::function<void(int)> completion) override;
   void applicationDidEnterBackground(platform::Application& application) override;
   void applicationDidBecomeActive(platform::Application& application) override;
+  // Both push forms are implemented.
+  bool respondsToRemoteNotification(platform::RemoteNotificationForm) const override { return true; }
 
   // InstanceIDDelegate: asks for the token again with the stored options.
   void onTokenRefresh() override;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "news/api/Webmanager.h"
 
@@ -26,6 +27,17 @@ struct PhoneOptions {
   std::string registrationURL = "https://127.0.0.1:5231/iid/register";
   std::string caFile;
   std::string msgSenderID;
+  // The app and the device as the phone reports them, so that a test can
+  // upgrade the app between two launches of one install: the bundle's short
+  // and build versions, the system's version, the time zone (an Olson id;
+  // "" = the environment's), the preferred languages (empty = the
+  // environment's) and the process arguments.
+  std::string appVersion = "1.0";
+  std::string buildVersion = "1";
+  std::string osVersion = "1.0";
+  std::string timeZone;
+  std::vector<std::string> languages;
+  std::vector<std::string> appArguments;
 };
 
 }  // namespace quillet::news

@@ -8,7 +8,6 @@
 #include <thread>
 #include <utility>
 
-#include "http/serialization/NKAppInfo.h"
 #include "instanceid/support/InstanceIDEnvironment.h"
 #include "news/app/AppKeys.h"
 #include "news/app/MainStoryboard.h"
@@ -19,10 +18,13 @@
 #include "news/services/InstanceIDBridge.h"
 #include "news/store/NewsDatabaseFile.h"
 #include "news/support/ToastView.h"
+#include "platform/device/AppBundle.h"
+#include "platform/device/DeviceInfo.h"
 #include "platform/log/Log.h"
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/reachability/ReachabilitySource.h"
 #include "platform/render/ScreenRenderer.h"
+#include "platform/text/DeviceLocale.h"
 #include "platform/ui/Device.h"
 #include "platform/ui/MailComposeViewController.h"
 #include "platform/ui/Screen.h"
@@ -91,6 +93,7 @@ PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
   }
   platform::Screen::main() = platform::Screen{options_.screenWidth, options_.screenHeight, options_.screenScale};
   ToastView::dropQueue();
+  describeAppAndDevice();
 
   if (options_.log) {
     logSink_ = platform::Log::addSink([this](const platform::LogRecord& record) {
@@ -125,10 +128,43 @@ PhoneSession::~PhoneSession() {
   platform::ReachabilitySource::setOverride(platform::ReachabilityOverride::Automatic);
   platform::MailComposeViewController::setCanSendMail(false);
   platform::Device::current() = platform::Device{};
+  platform::AppBundle::setMain({});
+  platform::DeviceInfo::setCurrent({});
+  platform::DeviceLocale::setTimeZoneId(std::nullopt);
+  platform::DeviceLocale::setPreferredLanguages(std::nullopt);
+}
+
+// In the foreground but not active (a call or the notification centre over the app).
+void PhoneSession::becomeInactive() {
+  switch (application_->applicationState()) {
+    case platform::ApplicationState::Active:
+      application_->resignActive();
+      break;
+    case platform::ApplicationState::Background:
+      application_->enterForeground();
+      break;
+    case platform::ApplicationState::Inactive:
+    case platform::ApplicationState::Terminated:
+      break;
+  }
+}
+
+void PhoneSession::describeAppAndDevice() {
+  platform::AppBundle bundle;
+  bundle.bundleIdentifier = kBundleIdentifier;
+  bundle.shortVersionString = options_.appVersion;
+  bundle.bundleVersion = options_.buildVersion;
+  platform::AppBundle::setMain(bundle);
+  platform::DeviceInfo device;
+  device.systemVersion = options_.osVersion;
+  device.arguments = options_.appArguments;
+  platform::DeviceInfo::setCurrent(device);
+  if (!options_.timeZone.empty()) platform::DeviceLocale::setTimeZoneId(options_.timeZone);
+  if (!options_.languages.empty()) platform::DeviceLocale::setPreferredLanguages(options_.languages);
 }
 
 AppServices PhoneSession::makeServices(const std::shared_ptr<platform::Clock>& clock) {
-  const http::NKAppInfo app = http::NKAppInfo::current();
+  const platform::AppBundle bundle = platform::AppBundle::main();
   auto environment = std::make_shared<instanceid::InstanceIDEnvironment>();
   environment->fileSystem = fileSystem_;
   environment->keychain = keychain_.get();
@@ -138,9 +174,9 @@ AppServices PhoneSession::makeServices(const std::shared_ptr<platform::Clock>& c
   environment->registrationURL = options_.registrationURL;
   environment->sessionOptions.caFile = options_.caFile;
   environment->sessionOptions.clock = clock;
-  environment->bundleIdentifier = app.bundleIdentifier.empty() ? kBundleIdentifier : app.bundleIdentifier;
-  environment->appVersion = app.shortVersionString;
-  environment->systemVersion = app.systemVersion;
+  environment->bundleIdentifier = bundle.bundleIdentifier;
+  environment->appVersion = bundle.shortVersionString;
+  environment->systemVersion = platform::DeviceInfo::current().systemVersion;
   instanceid::InstanceIDEnvironment::setStandard(environment);
 
   AppServices services = AppServices::shared();
@@ -191,6 +227,15 @@ bool PhoneSession::dispatch(const std::string& command, const std::string& argum
     application_->becomeActive();
   } else if (command == "background") {
     application_->enterBackground();
+  } else if (command == "inactive") {
+    becomeInactive();
+  } else if (command == "background-expire") {
+    application_->expireBackgroundTasks();
+  } else if (command == "terminate") {
+    application_->terminate();
+    loop_->runPending();
+    printer_.print("applicationTerminated");
+    return false;
   } else if (command == "wait") {
     wait(argument);
   } else if (command == "settle") {

@@ -72,6 +72,9 @@ class PhoneSession {
   void drainLogs();
   // The shell's services: instance ID over this session's stores and
   // endpoints, the sender from the options when one is given.
+  void becomeInactive();
+  // Sets the platform's bundle, device and locale facts from the options.
+  void describeAppAndDevice();
   AppServices makeServices(const std::shared_ptr<platform::Clock>& clock);
 
   PhoneOptions options_;

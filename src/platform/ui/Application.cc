@@ -20,6 +20,8 @@ const char* applicationStateName(ApplicationState state) {
       return "inactive";
     case ApplicationState::Background:
       return "background";
+    case ApplicationState::Terminated:
+      return "terminated";
   }
   return "inactive";
 }
@@ -105,28 +107,78 @@ bool Application::launch(const Value& launchOptions) {
   state_ = ApplicationState::Inactive;
   bool launched = delegate_ ? delegate_->didFinishLaunchingWithOptions(*this, launchOptions) : true;
   window_->makeKeyAndVisible();
+  broadcast(kDidFinishLaunchingNotification);
   return launched;
 }
 
 void Application::becomeActive() {
-  state_ = ApplicationState::Active;
+  moveTo(ApplicationState::Active);
   if (delegate_) delegate_->applicationDidBecomeActive(*this);
+  broadcast(kDidBecomeActiveNotification);
 }
 
 void Application::resignActive() {
-  state_ = ApplicationState::Inactive;
+  moveTo(ApplicationState::Inactive);
   if (delegate_) delegate_->applicationWillResignActive(*this);
+  broadcast(kWillResignActiveNotification);
 }
 
 void Application::enterBackground() {
   if (state_ == ApplicationState::Active) resignActive();
-  state_ = ApplicationState::Background;
+  moveTo(ApplicationState::Background);
   if (delegate_) delegate_->applicationDidEnterBackground(*this);
+  broadcast(kDidEnterBackgroundNotification);
 }
 
 void Application::enterForeground() {
-  state_ = ApplicationState::Inactive;
+  moveTo(ApplicationState::Inactive);
   if (delegate_) delegate_->applicationWillEnterForeground(*this);
+  broadcast(kWillEnterForegroundNotification);
+}
+
+void Application::terminate() {
+  if (state_ == ApplicationState::Terminated) return;
+  if (state_ != ApplicationState::Background) enterBackground();
+  if (delegate_) delegate_->applicationWillTerminate(*this);
+  broadcast(kWillTerminateNotification);
+  moveTo(ApplicationState::Terminated);
+}
+
+void Application::moveTo(ApplicationState state) { state_ = state; }
+
+void Application::broadcast(const char* name) { NotificationCenter::defaultCenter().post(name, this); }
+
+BackgroundTaskIdentifier Application::beginBackgroundTaskWithExpirationHandler(std::function<void()> handler) {
+  const BackgroundTaskIdentifier identifier = ++lastBackgroundTask_;
+  backgroundTasks_.emplace(identifier, std::move(handler));
+  reportBackgroundTask("began", identifier);
+  return identifier;
+}
+
+void Application::endBackgroundTask(BackgroundTaskIdentifier identifier) {
+  if (backgroundTasks_.erase(identifier) == 0) return;
+  reportBackgroundTask("ended", identifier);
+}
+
+void Application::expireBackgroundTasks() {
+  // A handler ends its own task (and may end others), so the list is read anew each time.
+  std::vector<BackgroundTaskIdentifier> running;
+  for (const auto& [identifier, handler] : backgroundTasks_) running.push_back(identifier);
+  for (BackgroundTaskIdentifier identifier : running) {
+    auto found = backgroundTasks_.find(identifier);
+    if (found == backgroundTasks_.end()) continue;
+    reportBackgroundTask("expired", identifier);
+    std::function<void()> handler = found->second;
+    if (handler) handler();
+  }
+}
+
+void Application::reportBackgroundTask(const char* what, BackgroundTaskIdentifier identifier) {
+  UiEvent event;
+  event.kind = UiEvent::Kind::BackgroundTask;
+  event.text = what;
+  event.number = static_cast<int64_t>(identifier);
+  events_->emit(std::move(event));
 }
 
 void Application::deliverDeviceToken(const Value& deviceToken) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -13,7 +15,11 @@
 
 namespace quillet::platform {
 
-enum class ApplicationState { Active, Inactive, Background };
+enum class ApplicationState { Active, Inactive, Background, Terminated };
+
+// A background task's identifier; kBackgroundTaskInvalid names none.
+using BackgroundTaskIdentifier = uint64_t;
+inline constexpr BackgroundTaskIdentifier kBackgroundTaskInvalid = 0;
 
 const char* applicationStateName(ApplicationState state);
 
@@ -32,6 +38,14 @@ class Application {
  public:
   // Posted on NotificationCenter::defaultCenter() by receiveMemoryWarning, object the application.
   static constexpr const char* kDidReceiveMemoryWarningNotification = "ApplicationDidReceiveMemoryWarning";
+  // The life-cycle broadcasts, posted on the default centre with the
+  // application as object, each right after the delegate's own call.
+  static constexpr const char* kDidFinishLaunchingNotification = "UIApplicationDidFinishLaunchingNotification";
+  static constexpr const char* kDidBecomeActiveNotification = "UIApplicationDidBecomeActiveNotification";
+  static constexpr const char* kWillResignActiveNotification = "UIApplicationWillResignActiveNotification";
+  static constexpr const char* kDidEnterBackgroundNotification = "UIApplicationDidEnterBackgroundNotification";
+  static constexpr const char* kWillEnterForegroundNotification = "UIApplicationWillEnterForegroundNotification";
+  static constexpr const char* kWillTerminateNotification = "UIApplicationWillTerminateNotification";
 
   explicit Application(std::shared_ptr<UiEvents> events = nullptr);
 
@@ -70,6 +84,14 @@ class Application {
 
   ApplicationState applicationState() const { return state_; }
 
+  // Background tasks: time the app asks for to finish work off screen. The
+  // handler runs if the time runs out first (expireBackgroundTasks); the
+  // app ends the task by its id. Ending an unknown or invalid id does
+  // nothing. Each begin, end and expiry is posted to the event stream.
+  BackgroundTaskIdentifier beginBackgroundTaskWithExpirationHandler(std::function<void()> handler);
+  void endBackgroundTask(BackgroundTaskIdentifier identifier);
+  size_t backgroundTaskCount() const { return backgroundTasks_.size(); }
+
   void scheduleLocalNotification(LocalNotification notification);
   const std::vector<LocalNotification>& scheduledLocalNotifications() const { return scheduled_; }
   void cancelAllLocalNotifications() { scheduled_.clear(); }
@@ -81,6 +103,13 @@ class Application {
   void resignActive();
   void enterBackground();
   void enterForeground();
+  // The app ends as the phone ends it: it resigns active and enters the
+  // background when it is not there yet, then the delegate hears
+  // applicationWillTerminate and the will-terminate broadcast goes out.
+  void terminate();
+  // The system takes back the background time: every task still running
+  // has its expiration handler called (in the order they began).
+  void expireBackgroundTasks();
   void deliverDeviceToken(const Value& deviceToken);
   void failRemoteNotificationRegistration(const Error& error);
   void deliverRemoteNotification(const Value& payload, bool fetchForm);
@@ -99,6 +128,12 @@ class Application {
   std::vector<std::string> openedURLs_;
   ApplicationState state_ = ApplicationState::Inactive;
   std::vector<LocalNotification> scheduled_;
+  std::map<BackgroundTaskIdentifier, std::function<void()>> backgroundTasks_;
+  BackgroundTaskIdentifier lastBackgroundTask_ = kBackgroundTaskInvalid;
+
+  void moveTo(ApplicationState state);
+  void broadcast(const char* name);
+  void reportBackgroundTask(const char* what, BackgroundTaskIdentifier identifier);
 };
 
 }  // namespace quillet::platform

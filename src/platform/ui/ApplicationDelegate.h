@@ -9,6 +9,12 @@ namespace quillet::platform {
 
 class Application;
 
+// The two forms in which a push reaches the delegate.
+enum class RemoteNotificationForm {
+  Plain,            // didReceiveRemoteNotification
+  FetchCompletion,  // didReceiveRemoteNotificationFetchCompletionHandler
+};
+
 // The program's side of the application's life: launch, activity changes,
 // push registration and pushes. All optional. Called on the main run loop
 // thread by the Application, when the driver (the phone) says so.
@@ -29,6 +35,11 @@ class ApplicationDelegate {
   virtual void applicationWillEnterForeground(Application&) {}
   virtual void applicationDidBecomeActive(Application&) {}
   virtual void applicationWillTerminate(Application&) {}
+
+  // Whether the delegate implements that form of push delivery, so that a
+  // caller can choose as the phone does (the fetch form when it is there).
+  // A delegate that overrides a form's operation says so here.
+  virtual bool respondsToRemoteNotification(RemoteNotificationForm) const { return false; }
 };
 
 }  // namespace quillet::platform

@@ -36,6 +36,8 @@ const char* UiEvent::kindName(Kind kind) {
       return "memoryWarning";
     case Kind::OpenInMenuShown:
       return "openInMenuShown";
+    case Kind::BackgroundTask:
+      return "backgroundTask";
   }
   return "unknown";
 }

@@ -26,6 +26,7 @@ struct UiEvent {
     RemoteNotificationsRegistered,   // number: 1 registered, 0 unregistered
     Toast,                           // text: the toast's text
     MemoryWarning,                   // the application received a memory warning
+    BackgroundTask,                  // text: "began", "ended" or "expired"; number: the task's id
     OpenInMenuShown,  // screen: the view it is shown from; text: the file URL; info: {url, UTI, rect: {x, y, width,
                       // height}}
   };

@@ -1,11 +1,16 @@
 // The phone driver's command loop, in process, on virtual time.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "PhoneScript.h"
 #include "backend/news/NewsServer.h"
+#include "http/serialization/NKAppInfo.h"
+#include "platform/device/AppBundle.h"
+#include "platform/device/DeviceInfo.h"
+#include "platform/text/DeviceLocale.h"
 #include "support/LogCapture.h"
 #include "support/TempDir.h"
 
@@ -55,6 +60,35 @@ TEST_F(PhoneSessionTest, FirstLaunchWaitsOnTheSplashThenShowsOnboarding) {
   events = play("launch\nscreen\ndefaults\n");
   EXPECT_EQ(events.back()["values"]["LaunchAmounts"], Value(2));
   EXPECT_EQ(events[events.size() - 2]["snapshot"]["screen"], Value("HomeVC"));
+}
+
+TEST_F(PhoneSessionTest, InactiveAndTerminateMoveTheAppAsThePhoneDoes) {
+  auto events = play("launch\ninactive\nscreen\nbackground\ninactive\nscreen\nterminate\nscreen\n");
+  std::vector<std::string> states;
+  for (const Value& event : events) {
+    if (event["event"] == Value("screen")) states.push_back(event["snapshot"]["state"].string());
+  }
+  EXPECT_EQ(states, (std::vector<std::string>{"inactive", "inactive"}));
+  EXPECT_EQ(names(events).back(), "applicationTerminated");  // and nothing after it
+}
+
+TEST_F(PhoneSessionTest, TheAppAndDeviceFactsComeFromTheOptions) {
+  PhoneOptions options;
+  options.dataDirectory = dir_.path();
+  options.network = "none";
+  options.appVersion = "2.1";
+  options.osVersion = "10.3";
+  options.languages = {"de-DE", "en"};
+  options.timeZone = "Asia/Kolkata";
+  options.appArguments = {"-MTRDebugEnabled"};
+  std::ostringstream out;
+  PhoneSession session(options, out);
+  EXPECT_EQ(platform::AppBundle::main().shortVersionString, "2.1");
+  EXPECT_EQ(platform::DeviceInfo::current().systemVersion, "10.3");
+  EXPECT_EQ(platform::DeviceInfo::current().arguments, std::vector<std::string>{"-MTRDebugEnabled"});
+  EXPECT_EQ(platform::DeviceLocale::preferredLanguages(), (std::vector<std::string>{"de-DE", "en"}));
+  EXPECT_EQ(platform::DeviceInfo::timeZoneOffsetMinutes(1'800'000'000.0), 330);
+  EXPECT_NE(http::NKAppInfo::current().shortVersionString.find("2.1"), std::string::npos);
 }
 
 TEST_F(PhoneSessionTest, BadCommandsAreReportedAndTheSessionGoesOn) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "platform/notifications/NotificationCenter.h"
 #include "platform/ui/Application.h"
 #include "platform/ui/Button.h"
 #include "platform/ui/ImageView.h"
@@ -55,6 +56,77 @@ TEST(ApplicationTest, EveryBadgeSetIsAnEventInOrder) {
   app.scheduleLocalNotification({"Quillet", "A story", "default", 1, "news", Value(), 100.0});
   ASSERT_EQ(app.scheduledLocalNotifications().size(), 1u);
   EXPECT_EQ(second.back(), 0);
+}
+
+// Records the delegate's life-cycle calls and the broadcasts in one list.
+class LifeCycleRecorder : public ApplicationDelegate {
+ public:
+  explicit LifeCycleRecorder(std::vector<std::string>& heard) : heard_(heard) {}
+  void applicationWillResignActive(Application&) override { heard_.push_back("willResignActive"); }
+  void applicationDidEnterBackground(Application&) override { heard_.push_back("didEnterBackground"); }
+  void applicationWillEnterForeground(Application&) override { heard_.push_back("willEnterForeground"); }
+  void applicationDidBecomeActive(Application&) override { heard_.push_back("didBecomeActive"); }
+  void applicationWillTerminate(Application&) override { heard_.push_back("willTerminate"); }
+
+ private:
+  std::vector<std::string>& heard_;
+};
+
+TEST(ApplicationTest, LifeCycleBroadcastsFollowTheDelegateInThePhonesOrder) {
+  Application app;
+  std::vector<std::string> heard;
+  app.setDelegate(std::make_shared<LifeCycleRecorder>(heard));
+  std::vector<NotificationCenter::ObserverToken> tokens;
+  for (const char* name : {Application::kDidFinishLaunchingNotification, Application::kDidBecomeActiveNotification,
+                           Application::kWillResignActiveNotification, Application::kDidEnterBackgroundNotification,
+                           Application::kWillEnterForegroundNotification, Application::kWillTerminateNotification}) {
+    tokens.push_back(NotificationCenter::defaultCenter().addObserver(
+        name, &app, [&heard](const Notification& note) { heard.push_back(note.name); }));
+  }
+  app.launch();
+  app.becomeActive();
+  app.enterBackground();  // from active: resigns first
+  app.enterForeground();  // inactive, in the foreground
+  EXPECT_EQ(app.applicationState(), ApplicationState::Inactive);
+  app.becomeActive();
+  app.terminate();
+  app.terminate();  // once only
+  for (auto token : tokens) NotificationCenter::defaultCenter().removeObserver(token);
+  EXPECT_EQ(app.applicationState(), ApplicationState::Terminated);
+  EXPECT_EQ(
+      heard,
+      (std::vector<std::string>{
+          "UIApplicationDidFinishLaunchingNotification", "didBecomeActive", "UIApplicationDidBecomeActiveNotification",
+          "willResignActive", "UIApplicationWillResignActiveNotification", "didEnterBackground",
+          "UIApplicationDidEnterBackgroundNotification", "willEnterForeground",
+          "UIApplicationWillEnterForegroundNotification", "didBecomeActive", "UIApplicationDidBecomeActiveNotification",
+          "willResignActive", "UIApplicationWillResignActiveNotification", "didEnterBackground",
+          "UIApplicationDidEnterBackgroundNotification", "willTerminate", "UIApplicationWillTerminateNotification"}));
+  EXPECT_FALSE(LifeCycleRecorder(heard).respondsToRemoteNotification(RemoteNotificationForm::FetchCompletion));
+}
+
+TEST(ApplicationTest, BackgroundTasksBeginEndAndExpireAsEvents) {
+  Application app;
+  std::vector<std::string> events;
+  app.events()->subscribe([&](const UiEvent& e) {
+    if (e.kind == UiEvent::Kind::BackgroundTask) events.push_back(e.text + " " + std::to_string(e.number));
+  });
+  BackgroundTaskIdentifier second = kBackgroundTaskInvalid;
+  const BackgroundTaskIdentifier first = app.beginBackgroundTaskWithExpirationHandler([&] {
+    app.endBackgroundTask(first);
+    app.endBackgroundTask(second);  // a handler may end others too
+  });
+  second = app.beginBackgroundTaskWithExpirationHandler([] { FAIL() << "ended before its turn"; });
+  const BackgroundTaskIdentifier third = app.beginBackgroundTaskWithExpirationHandler(nullptr);
+  EXPECT_NE(first, kBackgroundTaskInvalid);
+  app.endBackgroundTask(kBackgroundTaskInvalid);
+  app.endBackgroundTask(99);
+  app.expireBackgroundTasks();
+  EXPECT_EQ(app.backgroundTaskCount(), 1u);  // the third's handler does not end it
+  app.endBackgroundTask(third);
+  app.endBackgroundTask(third);
+  EXPECT_EQ(events, (std::vector<std::string>{"began 1", "began 2", "began 3", "expired 1", "ended 1", "ended 2",
+                                              "expired 3", "ended 3"}));
 }
 
 class HomeScreen : public ViewController {
