@@ -8,12 +8,14 @@
 #include "instanceid/tokens/InstanceIDTokenManager.h"
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/keychain/Keychain.h"
+#include "platform/support/Text.h"
 #include "platform/value/Format.h"
 
 namespace quillet::instanceid {
 
 using platform::DispatchQueue;
 using platform::Error;
+using platform::textOf;
 using platform::Value;
 
 namespace {
@@ -54,8 +56,6 @@ const char* typeName(const Value& value) {
 Value::Dictionary dictionaryOf(const Value& options) {
   return options.isDictionary() ? options.dictionaryItems() : Value::Dictionary();
 }
-
-std::string textOf(const Value& value) { return value.isString() ? value.string() : std::string(); }
 
 std::optional<Error> errorIfSet(const Error& error) {
   if (error.domain.empty()) return std::nullopt;
@@ -131,12 +131,8 @@ bool InstanceID::verifyNewTokenOptions(const Value& options, const InstanceIDCon
 Value InstanceID::replaceAPNSDataWithString(const Value& options) {
   const Value& apnsToken = options[kAPNSTokenKey];
   if (!apnsToken.isBytes()) return options;
-  static const char kHexDigits[] = "0123456789abcdef";
   std::string text = options[kAPNSSandboxKey].boolValue() ? "s_" : "p_";
-  for (uint8_t byte : apnsToken.bytesData()) {
-    text += kHexDigits[byte >> 4];
-    text += kHexDigits[byte & 0x0f];
-  }
+  text += platform::hexString(apnsToken.bytesData());
   Value converted = options;
   converted.set(kAPNSTokenKey, Value(text));
   return converted;

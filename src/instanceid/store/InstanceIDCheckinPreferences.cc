@@ -4,11 +4,8 @@
 #include "platform/value/Format.h"
 
 namespace quillet::instanceid {
-namespace {
 
-std::string textOf(const platform::Value& value) { return value.isString() ? value.string() : std::string(); }
-
-}  // namespace
+using platform::textOf;
 
 InstanceIDCheckinPreferences::InstanceIDCheckinPreferences(std::string deviceID, std::string secretToken)
     : deviceID_(std::move(deviceID)), secretToken_(std::move(secretToken)) {}

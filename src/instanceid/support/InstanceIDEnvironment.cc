@@ -1,22 +1,10 @@
 #include "instanceid/support/InstanceIDEnvironment.h"
 
-#include <mutex>
-
 #include "platform/runloop/RunLoop.h"
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::instanceid {
 namespace {
-
-std::mutex& environmentMutex() {
-  static auto* mutex = new std::mutex();
-  return *mutex;
-}
-
-std::shared_ptr<const InstanceIDEnvironment>& storedEnvironment() {
-  // Never destroyed: queues may read it while the process exits.
-  static auto* environment = new std::shared_ptr<const InstanceIDEnvironment>();
-  return *environment;
-}
 
 std::shared_ptr<const InstanceIDEnvironment> makeStandard() {
   auto environment = std::make_shared<InstanceIDEnvironment>();
@@ -36,15 +24,11 @@ std::shared_ptr<const InstanceIDEnvironment> makeStandard() {
 }  // namespace
 
 std::shared_ptr<const InstanceIDEnvironment> InstanceIDEnvironment::standard() {
-  std::lock_guard lock(environmentMutex());
-  auto& environment = storedEnvironment();
-  if (!environment) environment = makeStandard();
-  return environment;
+  return platform::SharedSlot<const InstanceIDEnvironment>::get(makeStandard);
 }
 
 void InstanceIDEnvironment::setStandard(std::shared_ptr<const InstanceIDEnvironment> environment) {
-  std::lock_guard lock(environmentMutex());
-  storedEnvironment() = std::move(environment);
+  platform::SharedSlot<const InstanceIDEnvironment>::set(std::move(environment));
 }
 
 }  // namespace quillet::instanceid

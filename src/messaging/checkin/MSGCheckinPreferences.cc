@@ -4,9 +4,10 @@
 #include "platform/value/Format.h"
 
 namespace quillet::messaging {
-namespace {
 
-std::string textOf(const platform::Value& value) { return value.isString() ? value.string() : std::string(); }
+using platform::textOf;
+
+namespace {
 
 // Part `index` of `text` split at "|", when there are exactly two parts.
 std::optional<std::string> keychainContentPart(const std::string& text, size_t index) {

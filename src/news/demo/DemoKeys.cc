@@ -4,16 +4,13 @@
 #include <cctype>
 
 #include "news/app/AppKeys.h"
+#include "platform/support/Text.h"
 
 namespace quillet::news {
 
-namespace {
+using platform::trim;
 
-std::string trim(const std::string& text) {
-  const size_t begin = text.find_first_not_of(" \t\r\n");
-  if (begin == std::string::npos) return "";
-  return text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
-}
+namespace {
 
 bool allDigits(const std::string& text) {
   return !text.empty() &&

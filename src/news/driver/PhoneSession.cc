@@ -24,6 +24,7 @@
 #include "platform/notifications/NotificationCenter.h"
 #include "platform/reachability/ReachabilitySource.h"
 #include "platform/render/ScreenRenderer.h"
+#include "platform/support/Text.h"
 #include "platform/text/DeviceLocale.h"
 #include "platform/ui/Device.h"
 #include "platform/ui/MailComposeViewController.h"
@@ -33,16 +34,10 @@
 
 namespace quillet::news {
 
+using platform::trim;
 using platform::Value;
 
 namespace {
-
-std::string trim(const std::string& text) {
-  size_t begin = text.find_first_not_of(" \t\r\n");
-  if (begin == std::string::npos) return "";
-  size_t end = text.find_last_not_of(" \t\r\n");
-  return text.substr(begin, end - begin + 1);
-}
 
 std::optional<platform::ReachabilityOverride> networkMode(const std::string& mode) {
   if (mode == "auto") return platform::ReachabilityOverride::Automatic;

@@ -1,17 +1,17 @@
 #include "news/services/InstanceID.h"
 
 #include "news/services/ServiceErrors.h"
-#include "news/services/SharedSlot.h"
 #include "platform/log/Log.h"
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::news {
 
 std::shared_ptr<InstanceID> InstanceID::sharedInstance() {
-  return SharedSlot<InstanceID>::get([] { return std::make_shared<UnconfiguredInstanceID>(); });
+  return platform::SharedSlot<InstanceID>::get([] { return std::make_shared<UnconfiguredInstanceID>(); });
 }
 
 void InstanceID::setSharedInstance(std::shared_ptr<InstanceID> instanceID) {
-  SharedSlot<InstanceID>::set(std::move(instanceID));
+  platform::SharedSlot<InstanceID>::set(std::move(instanceID));
 }
 
 void UnconfiguredInstanceID::startWithConfig(const InstanceIDConfig&) {

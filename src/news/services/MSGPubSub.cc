@@ -1,16 +1,18 @@
 #include "news/services/MSGPubSub.h"
 
 #include "news/services/ServiceErrors.h"
-#include "news/services/SharedSlot.h"
 #include "platform/log/Log.h"
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::news {
 
 std::shared_ptr<MSGPubSub> MSGPubSub::sharedInstance() {
-  return SharedSlot<MSGPubSub>::get([] { return std::make_shared<UnconfiguredMSGPubSub>(); });
+  return platform::SharedSlot<MSGPubSub>::get([] { return std::make_shared<UnconfiguredMSGPubSub>(); });
 }
 
-void MSGPubSub::setSharedInstance(std::shared_ptr<MSGPubSub> pubSub) { SharedSlot<MSGPubSub>::set(std::move(pubSub)); }
+void MSGPubSub::setSharedInstance(std::shared_ptr<MSGPubSub> pubSub) {
+  platform::SharedSlot<MSGPubSub>::set(std::move(pubSub));
+}
 
 void UnconfiguredMSGPubSub::subscribeWithToken(const std::string&, const std::string& topic, const platform::Value&,
                                                ErrorHandler handler) {

@@ -1,17 +1,17 @@
 #include "news/services/MSGService.h"
 
 #include "news/services/ServiceErrors.h"
-#include "news/services/SharedSlot.h"
 #include "platform/log/Log.h"
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::news {
 
 std::shared_ptr<MSGService> MSGService::sharedInstance() {
-  return SharedSlot<MSGService>::get([] { return std::make_shared<UnconfiguredMSGService>(); });
+  return platform::SharedSlot<MSGService>::get([] { return std::make_shared<UnconfiguredMSGService>(); });
 }
 
 void MSGService::setSharedInstance(std::shared_ptr<MSGService> service) {
-  SharedSlot<MSGService>::set(std::move(service));
+  platform::SharedSlot<MSGService>::set(std::move(service));
 }
 
 void UnconfiguredMSGService::startWithConfig(const MSGConfig&) {

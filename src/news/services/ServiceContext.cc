@@ -1,17 +1,17 @@
 #include "news/services/ServiceContext.h"
 
 #include "news/services/ServiceErrors.h"
-#include "news/services/SharedSlot.h"
 #include "platform/log/Log.h"
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::news {
 
 std::shared_ptr<ServiceContext> ServiceContext::sharedInstance() {
-  return SharedSlot<ServiceContext>::get([] { return std::make_shared<UnconfiguredServiceContext>(); });
+  return platform::SharedSlot<ServiceContext>::get([] { return std::make_shared<UnconfiguredServiceContext>(); });
 }
 
 void ServiceContext::setSharedInstance(std::shared_ptr<ServiceContext> context) {
-  SharedSlot<ServiceContext>::set(std::move(context));
+  platform::SharedSlot<ServiceContext>::set(std::move(context));
 }
 
 bool UnconfiguredServiceContext::configureWithError(platform::Error* error) {

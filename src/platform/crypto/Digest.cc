@@ -1,4 +1,5 @@
 #include "platform/crypto/Digest.h"
+#include "platform/support/Text.h"
 
 #include <openssl/evp.h>
 
@@ -21,14 +22,7 @@ Digest::Md5 Digest::md5(std::span<const uint8_t> data) { return digest<16>(EVP_m
 Digest::Sha256 Digest::sha256(std::span<const uint8_t> data) { return digest<32>(EVP_sha256(), data); }
 
 std::string Digest::hex(std::span<const uint8_t> data) {
-  static constexpr char kHex[] = "0123456789abcdef";
-  std::string out;
-  out.reserve(data.size() * 2);
-  for (uint8_t b : data) {
-    out.push_back(kHex[b >> 4]);
-    out.push_back(kHex[b & 0x0f]);
-  }
-  return out;
+  return hexString(data);
 }
 
 }  // namespace quillet::platform

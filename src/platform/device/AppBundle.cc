@@ -1,23 +1,16 @@
 #include "platform/device/AppBundle.h"
 
-#include <mutex>
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::platform {
 namespace {
 
-std::mutex bundleMutex;
-AppBundle mainBundle;
+SharedValue<AppBundle> mainBundle;
 
 }  // namespace
 
-AppBundle AppBundle::main() {
-  std::lock_guard lock(bundleMutex);
-  return mainBundle;
-}
+AppBundle AppBundle::main() { return mainBundle.get(); }
 
-void AppBundle::setMain(AppBundle bundle) {
-  std::lock_guard lock(bundleMutex);
-  mainBundle = std::move(bundle);
-}
+void AppBundle::setMain(AppBundle bundle) { mainBundle.set(std::move(bundle)); }
 
 }  // namespace quillet::platform

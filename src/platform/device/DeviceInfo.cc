@@ -11,6 +11,7 @@
 #include "platform/crypto/Uuid.h"
 #include "platform/files/AtomicFile.h"
 #include "platform/files/FileSystem.h"
+#include "platform/support/SharedSlot.h"
 #include "platform/text/DeviceLocale.h"
 
 namespace quillet::platform {
@@ -18,20 +19,13 @@ namespace {
 
 constexpr const char* kVendorIdentifierFile = "identifierForVendor";
 
-std::mutex infoMutex;
-DeviceInfo currentInfo;
+SharedValue<DeviceInfo> currentInfo;
 
 }  // namespace
 
-DeviceInfo DeviceInfo::current() {
-  std::lock_guard lock(infoMutex);
-  return currentInfo;
-}
+DeviceInfo DeviceInfo::current() { return currentInfo.get(); }
 
-void DeviceInfo::setCurrent(DeviceInfo info) {
-  std::lock_guard lock(infoMutex);
-  currentInfo = std::move(info);
-}
+void DeviceInfo::setCurrent(DeviceInfo info) { currentInfo.set(std::move(info)); }
 
 std::string DeviceInfo::identifierForVendor(const FileSystem& fileSystem) {
   static std::mutex vendorMutex;

@@ -12,6 +12,7 @@
 
 #include "platform/files/AtomicFile.h"
 #include "platform/log/Log.h"
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::platform {
 namespace fs = std::filesystem;
@@ -41,16 +42,6 @@ constexpr FileSystem::Mark kMarks[] = {FileSystem::Mark::ExcludedFromBackup, Fil
 std::mutex& sideRecordMutex() {
   static std::mutex mutex;
   return mutex;
-}
-
-std::mutex& standardMutex() {
-  static std::mutex mutex;
-  return mutex;
-}
-
-std::shared_ptr<FileSystem>& standardInstance() {
-  static std::shared_ptr<FileSystem> instance;
-  return instance;
 }
 
 std::string recordKey(const fs::path& path) {
@@ -97,15 +88,11 @@ fs::path FileSystem::defaultRoot(const std::string& dataDirOption) {
 }
 
 std::shared_ptr<FileSystem> FileSystem::standard() {
-  std::lock_guard lock(standardMutex());
-  auto& instance = standardInstance();
-  if (!instance) instance = std::make_shared<FileSystem>(defaultRoot());
-  return instance;
+  return SharedSlot<FileSystem>::get([] { return std::make_shared<FileSystem>(defaultRoot()); });
 }
 
 void FileSystem::setStandard(std::shared_ptr<FileSystem> fileSystem) {
-  std::lock_guard lock(standardMutex());
-  standardInstance() = std::move(fileSystem);
+  SharedSlot<FileSystem>::set(std::move(fileSystem));
 }
 
 void FileSystem::ensureRoot() const {

@@ -11,6 +11,7 @@
 
 #include "platform/log/Log.h"
 #include "platform/runloop/WorkerActivity.h"
+#include "platform/support/SharedSlot.h"
 
 namespace quillet::platform {
 namespace {
@@ -20,16 +21,6 @@ constexpr double kMinimumInterval = 0.0001;
 constexpr double kLongestWait = 1.0;
 
 thread_local RunLoop* currentLoop = nullptr;
-
-std::mutex& mainMutex() {
-  // Never destroyed: threads that outlive main() (the network thread) may still ask for the main loop.
-  static auto* m = new std::mutex;
-  return *m;
-}
-std::shared_ptr<RunLoop>& mainSlot() {
-  static auto* loop = new std::shared_ptr<RunLoop>;
-  return *loop;
-}
 
 }  // namespace
 
@@ -61,16 +52,12 @@ asio::io_context& RunLoop::io() { return io_->context; }
 
 RunLoop& RunLoop::main() { return *mainShared(); }
 
+// The slot is never destroyed: threads that outlive main() (the network thread) may still ask for the main loop.
 std::shared_ptr<RunLoop> RunLoop::mainShared() {
-  std::lock_guard lock(mainMutex());
-  if (!mainSlot()) mainSlot() = std::make_shared<RunLoop>();
-  return mainSlot();
+  return SharedSlot<RunLoop>::get([] { return std::make_shared<RunLoop>(); });
 }
 
-void RunLoop::setMain(std::shared_ptr<RunLoop> loop) {
-  std::lock_guard lock(mainMutex());
-  mainSlot() = std::move(loop);
-}
+void RunLoop::setMain(std::shared_ptr<RunLoop> loop) { SharedSlot<RunLoop>::set(std::move(loop)); }
 
 RunLoop* RunLoop::current() { return currentLoop; }
 

@@ -1,16 +1,10 @@
 #include "platform/ui/Application.h"
 
 #include "platform/notifications/NotificationCenter.h"
+#include "platform/support/SharedSlot.h"
 #include "platform/text/Url.h"
 
 namespace quillet::platform {
-
-namespace {
-std::shared_ptr<Application>& sharedSlot() {
-  static std::shared_ptr<Application> shared;
-  return shared;
-}
-}  // namespace
 
 const char* applicationStateName(ApplicationState state) {
   switch (state) {
@@ -30,13 +24,11 @@ Application::Application(std::shared_ptr<UiEvents> events)
     : events_(events ? std::move(events) : std::make_shared<UiEvents>()), window_(std::make_shared<Window>(events_)) {}
 
 Application& Application::sharedApplication() {
-  auto& shared = sharedSlot();
-  if (!shared) shared = std::make_shared<Application>();
-  return *shared;
+  return *SharedSlot<Application>::get([] { return std::make_shared<Application>(); });
 }
 
 void Application::setSharedApplication(std::shared_ptr<Application> application) {
-  sharedSlot() = std::move(application);
+  SharedSlot<Application>::set(std::move(application));
 }
 
 void Application::setApplicationIconBadgeNumber(int64_t badge) {

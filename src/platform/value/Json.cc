@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "platform/support/Text.h"
 #include "platform/value/NumberText.h"
 
 namespace quillet::platform {
@@ -240,10 +241,8 @@ class JsonWriter {
           break;
         default:
           if (static_cast<unsigned char>(ch) < 0x20) {
-            static const char hex[] = "0123456789abcdef";
-            out_ += "\\u00";
-            out_ += hex[(ch >> 4) & 0xF];
-            out_ += hex[ch & 0xF];
+            const uint8_t byte = static_cast<uint8_t>(ch);
+            out_ += "\\u00" + hexString(std::span<const uint8_t>(&byte, 1));
           } else {
             out_ += ch;
           }

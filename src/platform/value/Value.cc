@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "platform/support/Text.h"
 #include "platform/value/NumberText.h"
 
 namespace quillet::platform {
@@ -348,13 +349,12 @@ std::string Value::description() const {
     case Type::String:
       return string();
     case Type::Bytes: {
-      static const char hex[] = "0123456789abcdef";
+      // Groups of four bytes: "<0a1b2c3d 4e5f>".
       std::string out = "<";
       const Bytes& data = bytesData();
-      for (size_t i = 0; i < data.size(); ++i) {
-        if (i > 0 && i % 4 == 0) out += ' ';
-        out += hex[data[i] >> 4];
-        out += hex[data[i] & 0xF];
+      for (size_t i = 0; i < data.size(); i += 4) {
+        if (i > 0) out += ' ';
+        out += hexString(std::span<const uint8_t>(data).subspan(i, std::min<size_t>(4, data.size() - i)));
       }
       return out + ">";
     }

@@ -142,4 +142,7 @@ class Value {
       storage_;
 };
 
+// The value's text when it is a string, else "" (a missing or mistyped entry reads empty).
+inline std::string textOf(const Value& value) { return value.isString() ? value.string() : std::string(); }
+
 }  // namespace quillet::platform
