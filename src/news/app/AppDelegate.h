@@ -88,7 +88,7 @@ class AppDelegate : public platform::ApplicationDelegate,
   int64_t badgeCount_ = 0;
   bool subscribedToTopic_ = false;
   bool connectedToMSG_ = false;
-  InstanceID::TokenHandler registrationHandler_;
+  InstanceIDService::TokenHandler registrationHandler_;
   std::string registrationToken_;
   std::string registrationKey_;
   std::string messageKey_;

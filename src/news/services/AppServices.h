@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "news/services/InstanceID.h"
+#include "news/services/InstanceIDService.h"
 #include "news/services/MSGPubSub.h"
 #include "news/services/MSGService.h"
 #include "news/services/ServiceContext.h"
@@ -14,12 +14,12 @@ struct AppServices {
   std::shared_ptr<ServiceContext> context;
   std::shared_ptr<MSGService> msgService;
   std::shared_ptr<MSGPubSub> pubSub;
-  std::shared_ptr<InstanceID> instanceID;
+  std::shared_ptr<InstanceIDService> instanceID;
 
   // The process-wide instances.
   static AppServices shared() {
     return {ServiceContext::sharedInstance(), MSGService::sharedInstance(), MSGPubSub::sharedInstance(),
-            InstanceID::sharedInstance()};
+            InstanceIDService::sharedInstance()};
   }
 };
 

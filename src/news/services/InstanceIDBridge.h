@@ -3,14 +3,14 @@
 #include <memory>
 
 #include "instanceid/facade/InstanceID.h"
-#include "news/services/InstanceID.h"
+#include "news/services/InstanceIDService.h"
 
 namespace quillet::news {
 
 // The shell's instance ID: the subsystem's facade behind the interface the
 // shell calls. The shell's delegate is held weakly, through a forwarder that
 // lives as long as the bridge. Main thread, as the facade.
-class InstanceIDBridge : public InstanceID {
+class InstanceIDBridge : public InstanceIDService {
  public:
   explicit InstanceIDBridge(std::shared_ptr<instanceid::InstanceID> facade);
   ~InstanceIDBridge() override;

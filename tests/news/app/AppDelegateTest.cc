@@ -28,7 +28,7 @@ class AppDelegateTest : public ::testing::Test {
     platform::RunLoop::setMain(loop_);
     msg_ = std::make_shared<news::testing::FakeMSGService>(&calls_);
     pubSub_ = std::make_shared<news::testing::FakePubSub>(&calls_);
-    iid_ = std::make_shared<news::testing::FakeInstanceID>(&calls_);
+    iid_ = std::make_shared<news::testing::FakeInstanceIDService>(&calls_);
     makeApp();
   }
   ~AppDelegateTest() override { platform::RunLoop::setMain(nullptr); }
@@ -56,7 +56,7 @@ class AppDelegateTest : public ::testing::Test {
   std::vector<std::string> calls_;
   std::shared_ptr<news::testing::FakeMSGService> msg_;
   std::shared_ptr<news::testing::FakePubSub> pubSub_;
-  std::shared_ptr<news::testing::FakeInstanceID> iid_;
+  std::shared_ptr<news::testing::FakeInstanceIDService> iid_;
   std::shared_ptr<platform::Application> app_;
   std::shared_ptr<AppDelegate> delegate_;
 };
@@ -187,7 +187,7 @@ TEST(UnconfiguredServicesTest, AnswerWithErrorsInTheirDomainsAndNoToken) {
   EXPECT_EQ(connect->domain, "com.stikri.msg");
   bool gotToken = true;
   std::string domain;
-  UnconfiguredInstanceID().tokenWithAuthorizedEntity(
+  UnconfiguredInstanceIDService().tokenWithAuthorizedEntity(
       "", "MSG", Value(), [&](const std::optional<std::string>& token, const std::optional<platform::Error>& e) {
         gotToken = token.has_value();
         domain = e ? e->domain : "";

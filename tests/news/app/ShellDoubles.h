@@ -38,11 +38,11 @@ struct FakePubSub : MSGPubSub {
   }
 };
 
-struct FakeInstanceID : InstanceID {
+struct FakeInstanceIDService : InstanceIDService {
   std::vector<std::string>* calls;
   std::optional<std::string> token;
   platform::Value lastOptions;
-  explicit FakeInstanceID(std::vector<std::string>* c) : calls(c) {}
+  explicit FakeInstanceIDService(std::vector<std::string>* c) : calls(c) {}
   void startWithConfig(const InstanceIDConfig&) override { calls->push_back("iid.start"); }
   void tokenWithAuthorizedEntity(const std::string& entity, const std::string& scope, const platform::Value& options,
                                  TokenHandler handler) override {
