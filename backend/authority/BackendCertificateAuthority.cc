@@ -88,11 +88,9 @@ T readPem(const std::filesystem::path& path, Read read) {
 bool BackendCertificateAuthority::ensure(platform::Error* error) {
   auto fail = [&](const std::string& what) {
     if (error) {
-      platform::Value userInfo = platform::Value::dictionary({});
       std::string text = "certificate authority: ";
       text.append(what);
-      userInfo.set("NSLocalizedDescription", platform::Value(text));
-      *error = platform::Error("quillet.backend.certificates", 1, std::move(userInfo));
+      *error = platform::Error::withDescription("quillet.backend.certificates", 1, std::move(text));
     }
     return false;
   };

@@ -24,8 +24,7 @@ bool BackendHttpsServer::start(const std::string& host, int port, platform::Erro
     message.insert(0, name_ + ": ");
     platform::Log::write(message);
     if (error) {
-      *error = platform::Error("quillet.backend.https", 1,
-                               platform::Value::dictionary({{"NSLocalizedDescription", platform::Value(message)}}));
+      *error = platform::Error::withDescription("quillet.backend.https", 1, message);
     }
     return false;
   };

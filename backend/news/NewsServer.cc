@@ -285,8 +285,7 @@ bool NewsServer::start(platform::Error* error) {
                                 : (impl.http.bind_to_port(options.host, options.port) ? options.port : -1);
   auto fail = [error](const std::string& message) {
     platform::Log::write(message);
-    if (error)
-      *error = platform::Error("quillet.backend.news", 2, Value::dictionary({{"NSLocalizedDescription", message}}));
+    if (error) *error = platform::Error::withDescription("quillet.backend.news", 2, message);
     return false;
   };
   if (bound <= 0) return fail("news server: cannot listen on " + options.host + ":" + std::to_string(options.port));

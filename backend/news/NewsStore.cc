@@ -59,8 +59,7 @@ void bindTextOrNull(platform::SqliteStatement& st, int index, const Value& value
 
 bool fail(platform::Error* error, const std::string& message) {
   platform::Log::write("news server: " + message);
-  if (error)
-    *error = platform::Error("quillet.backend.news", 1, Value::dictionary({{"NSLocalizedDescription", message}}));
+  if (error) *error = platform::Error::withDescription("quillet.backend.news", 1, message);
   return false;
 }
 

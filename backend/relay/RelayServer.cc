@@ -81,11 +81,7 @@ RelayServer::~RelayServer() { stop(); }
 bool RelayServer::start(platform::Error* error) {
   Impl& impl = *impl_;
   auto fail = [&](const std::string& message) {
-    if (error) {
-      platform::Value userInfo = platform::Value::dictionary({});
-      userInfo.set("NSLocalizedDescription", platform::Value(message));
-      *error = platform::Error("quillet.backend.relay", 1, std::move(userInfo));
-    }
+    if (error) *error = platform::Error::withDescription("quillet.backend.relay", 1, message);
     return false;
   };
   asio::error_code ec;

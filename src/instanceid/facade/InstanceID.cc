@@ -23,7 +23,6 @@ namespace {
 constexpr const char* kAPNSTokenKey = "apns_token";
 constexpr const char* kAPNSSandboxKey = "apns_sandbox";
 // Stands for "no error so far" inside the request checks; never reported.
-constexpr int64_t kNoError = 0x7fffffff;
 constexpr double kCommandDelaySeconds = 2.0;
 
 const char* typeName(const Value& value) {
@@ -58,7 +57,7 @@ Value::Dictionary dictionaryOf(const Value& options) {
 }
 
 std::optional<Error> errorIfSet(const Error& error) {
-  if (error.domain.empty()) return std::nullopt;
+  if (error.ok()) return std::nullopt;
   return error;
 }
 
@@ -146,7 +145,7 @@ void InstanceID::tokenWithAuthorizedEntity(const std::string& authorizedEntity, 
     iidLogError("Invalid nil handler.");
     return;
   }
-  int64_t code = kNoError;
+  std::optional<int64_t> code;
   if (InstanceIDTokenManager::isMessagingScope(scope) && !allowsMissingAPNSToken()) {
     const Value& apnsToken = options[kAPNSTokenKey];
     if (apnsToken.isNil()) {
@@ -157,11 +156,11 @@ void InstanceID::tokenWithAuthorizedEntity(const std::string& authorizedEntity, 
       code = InstanceIDErrorCodeUnknown;
     }
   }
-  if (code == kNoError && authorizedEntity.empty()) code = InstanceIDErrorCodeInvalidEntity;
-  if (code == kNoError && scope.empty()) code = InstanceIDErrorCodeInvalidScope;
-  if (code == kNoError && !keyPairStore_) code = InstanceIDErrorCodeMissingKeyPairStore;
-  if (code != kNoError) {
-    asyncInvokeGetTokenHandler(std::move(handler), std::nullopt, errorWithInstanceIDErrorCode(code));
+  if (!code && authorizedEntity.empty()) code = InstanceIDErrorCodeInvalidEntity;
+  if (!code && scope.empty()) code = InstanceIDErrorCodeInvalidScope;
+  if (!code && !keyPairStore_) code = InstanceIDErrorCodeMissingKeyPairStore;
+  if (code) {
+    asyncInvokeGetTokenHandler(std::move(handler), std::nullopt, errorWithInstanceIDErrorCode(*code));
     return;
   }
 
@@ -209,7 +208,7 @@ void InstanceID::deleteTokenWithAuthorizedEntity(const std::string& authorizedEn
     iidLogError("Invalid nil handler.");
     return;
   }
-  int64_t code = kNoError;
+  std::optional<int64_t> code;
   if (authorizedEntity.empty()) {
     code = InstanceIDErrorCodeInvalidEntity;
   } else if (scope.empty()) {
@@ -217,8 +216,8 @@ void InstanceID::deleteTokenWithAuthorizedEntity(const std::string& authorizedEn
   } else if (!keyPairStore_) {
     code = InstanceIDErrorCodeMissingKeyPairStore;
   }
-  if (code != kNoError) {
-    asyncInvokeDeleteTokenHandler(std::move(handler), errorWithInstanceIDErrorCode(code));
+  if (code) {
+    asyncInvokeDeleteTokenHandler(std::move(handler), errorWithInstanceIDErrorCode(*code));
     return;
   }
   DeleteHandler answer = [handler = std::move(handler)](const std::optional<Error>& error) {
@@ -381,7 +380,7 @@ void InstanceID::handleCommandResetFullWithDelayInSeconds(double delaySeconds) {
   if (hadKeyPair) keyPairStore_->deleteSavedKeyPairWithSubtype("", nullptr);
   Error error;
   const bool deleted = tokenManager_ && tokenManager_->deleteAllTokensLocallyWithError(&error);
-  const bool hasError = !error.domain.empty();
+  const bool hasError = !error.ok();
   bool invoke;
   if (!deleted && hasError) {
     invoke = hadKeyPair;

@@ -87,7 +87,7 @@ bool InstanceIDTokenStore::removeTokenWithAuthorizedEntity(const std::string& en
                                                            platform::Error* error) {
   platform::Error local;
   const bool removed = keychain_->removePasswordForService(scope, entity, &local);
-  if (error && !local.domain.empty()) *error = local;
+  if (error && !local.ok()) *error = local;
   if (removed) {
     iidLogDebug(
         platform::format("Successfully removed token from keychain for auth entity: %@ scope: %@", entity, scope));
@@ -100,7 +100,7 @@ bool InstanceIDTokenStore::removeTokenWithAuthorizedEntity(const std::string& en
 bool InstanceIDTokenStore::removeMSGTokensWithError(platform::Error* error) {
   platform::Error local;
   const bool removed = keychain_->removePasswordForService("MSG", "*", &local);
-  if (error && !local.domain.empty()) *error = local;
+  if (error && !local.ok()) *error = local;
   if (removed) {
     iidLogDebug("Successfully removed all MSG tokens");
   } else {
@@ -112,7 +112,7 @@ bool InstanceIDTokenStore::removeMSGTokensWithError(platform::Error* error) {
 bool InstanceIDTokenStore::removeAllTokensWithError(platform::Error* error) {
   platform::Error local;
   const bool removed = keychain_->removeAllItemsWithError(&local);
-  if (error && !local.domain.empty()) *error = local;
+  if (error && !local.ok()) *error = local;
   if (removed) {
     iidLogDebug("Successfully removed all IID tokens");
   } else {

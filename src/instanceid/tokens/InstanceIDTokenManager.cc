@@ -167,7 +167,7 @@ void InstanceIDTokenManager::deleteAllTokensWithKeyPair(std::shared_ptr<Instance
   platform::Error error;
   deleteAllTokensLocallyWithError(&error);
   // A missing item also reports an error here.
-  if (!error.domain.empty()) {
+  if (!error.ok()) {
     if (handler) handler(errorWithInstanceIDErrorCode(InstanceIDErrorCodeDeleteTokensFailed));
     return;
   }

@@ -105,9 +105,8 @@ bool PageGestures::finishMail(const std::string& result, platform::Error* error)
     mail->finishWithResult(outcome);
     return true;
   }
-  const platform::Error sendError(
-      "MFMailComposeErrorDomain", 1,
-      platform::Value::dictionary({{"NSLocalizedDescription", platform::Value("The mail could not be sent.")}}));
+  const platform::Error sendError =
+      platform::Error::withDescription("MFMailComposeErrorDomain", 1, "The mail could not be sent.");
   mail->finishWithResult(outcome, &sendError);
   return true;
 }

@@ -80,7 +80,7 @@ bool InlinePlayerTemplate::render(const std::string& templateText, const std::st
   if (placeholders != 1) {
     if (error) {
       std::string reason = "The template must hold one \"%@\" and only doubled percent signs besides.";
-      *error = Error("NSCocoaErrorDomain", 2048, Value::dictionary({{"NSLocalizedDescription", Value(reason)}}));
+      *error = Error::withDescription("NSCocoaErrorDomain", 2048, reason);
     }
     return false;
   }

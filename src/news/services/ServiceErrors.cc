@@ -3,7 +3,7 @@
 namespace quillet::news {
 
 platform::Error serviceError(const char* domain, int64_t code, const std::string& description) {
-  return platform::Error(domain, code, platform::Value::dictionary({{"NSLocalizedDescription", description}}));
+  return platform::Error::withDescription(domain, code, description);
 }
 
 }  // namespace quillet::news

@@ -23,7 +23,7 @@ inline void setCryptoError(Error* out, const std::string& what) {
     ERR_error_string_n(code, reason, sizeof reason);
     message += ": " + std::string(reason);
   }
-  *out = Error(kCryptoErrorDomain, 1, Value(Value::Dictionary{{"NSLocalizedDescription", Value(message)}}));
+  *out = Error::withDescription(kCryptoErrorDomain, 1, message);
 }
 
 }  // namespace quillet::platform

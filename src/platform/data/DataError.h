@@ -14,7 +14,7 @@ inline constexpr const char* kSqliteErrorDomain = "quillet.platform.sqlite";
 
 // Stores the error in `out` when it is non-null.
 inline void setDataError(Error* out, const char* domain, int64_t code, const std::string& message) {
-  if (out) *out = Error(domain, code, Value(Value::Dictionary{{"NSLocalizedDescription", Value(message)}}));
+  if (out) *out = Error::withDescription(domain, code, message);
 }
 
 }  // namespace quillet::platform

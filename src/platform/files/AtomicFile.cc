@@ -75,7 +75,7 @@ void copyUserAttributes(const std::filesystem::path& from, int toFd) {
 
 Error AtomicFile::makeError(int code, std::string_view operation, const std::filesystem::path& path) {
   std::string text = std::string(operation) + " " + path.string() + ": " + std::strerror(code);
-  return Error(errorDomain, code, Value(Value::Dictionary{{"NSLocalizedDescription", Value(text)}}));
+  return Error::withDescription(errorDomain, code, text);
 }
 
 bool AtomicFile::write(const std::filesystem::path& path, std::string_view data, Error* error,

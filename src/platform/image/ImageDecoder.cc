@@ -28,8 +28,7 @@ bool fail(Error* error, int64_t code, const std::string& reason) {
   if (error) {
     std::string description = "Image could not be read: ";
     description += reason;
-    *error =
-        Error(ImageDecoder::kErrorDomain, code, Value::dictionary({{"NSLocalizedDescription", Value(description)}}));
+    *error = Error::withDescription(ImageDecoder::kErrorDomain, code, description);
   }
   return false;
 }

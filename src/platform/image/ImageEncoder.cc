@@ -21,8 +21,7 @@ namespace {
 
 std::nullopt_t fail(Error* error, const std::string& reason) {
   if (error) {
-    *error = Error(ImageDecoder::kErrorDomain, ImageEncoder::kEncodeFailed,
-                   Value::dictionary({{"NSLocalizedDescription", Value(reason)}}));
+    *error = Error::withDescription(ImageDecoder::kErrorDomain, ImageEncoder::kEncodeFailed, reason);
   }
   return std::nullopt;
 }

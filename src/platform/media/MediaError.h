@@ -22,7 +22,7 @@ enum MediaErrorCode : int64_t {
 // Stores the error in `out` when it is non-null.
 inline void setMediaError(Error* out, MediaErrorCode code, const std::string& message) {
   if (out) {
-    *out = Error(kMediaErrorDomain, code, Value(Value::Dictionary{{"NSLocalizedDescription", Value(message)}}));
+    *out = Error::withDescription(kMediaErrorDomain, code, message);
   }
 }
 

@@ -20,8 +20,7 @@ struct NodeDeleter {
 using Node = std::unique_ptr<void, NodeDeleter>;
 
 Error makeError(int64_t code, std::string text) {
-  return Error(PropertyList::errorDomain, code,
-               Value(Value::Dictionary{{"NSLocalizedDescription", Value(std::move(text))}}));
+  return Error::withDescription(PropertyList::errorDomain, code, std::move(text));
 }
 
 // Text the binary form can hold: well-formed UTF-8 with no NUL character.

@@ -204,8 +204,8 @@ bool ScreenRenderer::writeScreenshot(Application& application, const std::filesy
   auto bitmap = screen ? renderView(*screen->view(), Screen::main().scale) : nullptr;
   if (!bitmap) {
     if (error) {
-      *error = Error(ImageDecoder::kErrorDomain, ImageEncoder::kEncodeFailed,
-                     Value::dictionary({{"NSLocalizedDescription", Value("screenshot: no screen on show")}}));
+      *error = Error::withDescription(ImageDecoder::kErrorDomain, ImageEncoder::kEncodeFailed,
+                                      "screenshot: no screen on show");
     }
     return false;
   }

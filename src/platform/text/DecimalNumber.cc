@@ -29,8 +29,7 @@ const __int128 kCoefficientLimit = tenToThe(kMaxDigits);
 
 Error decimalError(int code, std::string_view text) {
   const std::string description = code == DecimalNumber::kNotANumber ? "Not a number: \"" : "Number out of range: \"";
-  return Error(DecimalNumber::kErrorDomain, code,
-               Value::dictionary({{"NSLocalizedDescription", Value(description + std::string(text) + "\"")}}));
+  return Error::withDescription(DecimalNumber::kErrorDomain, code, description + std::string(text) + "\"");
 }
 
 // One parser per locale and thread: making one costs far more than a parse.

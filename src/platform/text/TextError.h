@@ -20,7 +20,7 @@ enum TextErrorCode : int64_t {
 // Stores the error in `out` when it is non-null.
 inline void setTextError(Error* out, TextErrorCode code, const std::string& message) {
   if (out) {
-    *out = Error(kTextErrorDomain, code, Value(Value::Dictionary{{"NSLocalizedDescription", Value(message)}}));
+    *out = Error::withDescription(kTextErrorDomain, code, message);
   }
 }
 

@@ -267,7 +267,7 @@ void TlsStream::Engine::onWritten(const asio::error_code& ec) {
 void TlsStream::Engine::fail(ErrorCode code, const std::string& message) {
   if (status == Status::Closed || status == Status::Error) return;
   status = Status::Error;
-  error = Error(kErrorDomain, code, Value::dictionary({{"NSLocalizedDescription", Value(message)}}));
+  error = Error::withDescription(kErrorDomain, code, message);
   Log::write("TlsStream: " + message);
   asio::error_code ignored;
   resolver_.cancel();

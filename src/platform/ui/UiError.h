@@ -25,8 +25,7 @@ enum class UiErrorCode : int64_t {
 // Stores the error in `out` when it is non-null; returns false for `return uiError(...)`.
 inline bool uiError(Error* out, UiErrorCode code, const std::string& message) {
   if (out) {
-    *out = Error(kUiErrorDomain, static_cast<int64_t>(code),
-                 Value(Value::Dictionary{{"NSLocalizedDescription", Value(message)}}));
+    *out = Error::withDescription(kUiErrorDomain, static_cast<int64_t>(code), message);
   }
   return false;
 }

@@ -2,6 +2,10 @@
 
 namespace quillet::platform {
 
+Error Error::withDescription(std::string domain, int64_t code, std::string description) {
+  return Error(std::move(domain), code, Value::dictionary({{"NSLocalizedDescription", Value(std::move(description))}}));
+}
+
 std::string Error::localizedDescription() const {
   const Value& text = userInfo["NSLocalizedDescription"];
   if (text.isString()) return text.string();
