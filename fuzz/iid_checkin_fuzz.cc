@@ -34,9 +34,12 @@ Install& install() {
   // Never destroyed: the service's queue may still run at exit.
   static Install* shared = [] {
     platform::Log::setStandardErrorEnabled(false);
-    char pattern[] = "/tmp/iid-checkin-fuzz-XXXXXX";
+    // In memory when the machine has it: each input writes files, and a disk sync each would set the pace.
+    char pattern[] = "/dev/shm/iid-checkin-fuzz-XXXXXX";
+    char fallback[] = "/tmp/iid-checkin-fuzz-XXXXXX";
     auto* made = new Install();
-    made->fileSystem = std::make_shared<platform::FileSystem>(mkdtemp(pattern));
+    const char* root = mkdtemp(pattern);
+    made->fileSystem = std::make_shared<platform::FileSystem>(root != nullptr ? root : mkdtemp(fallback));
     made->keychain = std::make_unique<platform::Keychain>(*made->fileSystem);
     made->defaults = std::make_unique<platform::UserDefaults>(*made->fileSystem, "fuzz");
     made->env = std::make_shared<instanceid::InstanceIDEnvironment>();
