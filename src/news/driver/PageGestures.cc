@@ -43,9 +43,17 @@ std::shared_ptr<platform::WebView> visibleWebView(const std::shared_ptr<platform
 }  // namespace
 
 bool PageGestures::type(const std::string& argument, platform::Error* error) {
-  auto [field, text] = splitFirst(argument);
+  // The text is taken as given, blanks and all: only the one space after the field's name separates.
+  const size_t space = argument.find(' ');
+  const std::string field = argument.substr(0, space);
   if (field.empty()) return fail(error, "needs a field and a text");
+  const std::string text = space == std::string::npos ? "" : argument.substr(space + 1);
   return platform::UiDriver(application_).setText(field, text, error);
+}
+
+bool PageGestures::pressReturn(const std::string& field, platform::Error* error) {
+  if (field.empty()) return fail(error, "needs a field");
+  return platform::UiDriver(application_).pressReturn(field, error);
 }
 
 bool PageGestures::edit(const std::string& field, bool begin, platform::Error* error) {

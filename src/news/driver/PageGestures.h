@@ -18,6 +18,8 @@ class PageGestures {
   // "FIELD TEXT": types TEXT (the rest of the line, maybe empty) over the field's content.
   bool type(const std::string& argument, platform::Error* error);
   // The finger goes into the field (begin) or the field loses the keyboard.
+  // The keyboard's Return key in a text field or box.
+  bool pressReturn(const std::string& field, platform::Error* error);
   bool edit(const std::string& field, bool begin, platform::Error* error);
   // The feed's target panel, as a button of tag TAG would send it.
   bool share(const std::string& tag, platform::Error* error);

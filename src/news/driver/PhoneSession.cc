@@ -195,7 +195,14 @@ bool PhoneSession::execute(const std::string& line) {
   if (text.empty() || text[0] == '#') return true;
   const size_t space = text.find_first_of(" \t");
   const std::string command = text.substr(0, space);
-  const std::string argument = space == std::string::npos ? "" : trim(text.substr(space));
+  std::string argument = space == std::string::npos ? "" : trim(text.substr(space));
+  // `type` takes its text exactly as written: only the line's end and the
+  // blanks before the field's name go.
+  if (command == "type" && space != std::string::npos) {
+    std::string raw = line.substr(line.find(command) + command.size());
+    while (!raw.empty() && (raw.back() == '\n' || raw.back() == '\r')) raw.pop_back();
+    argument = raw.substr(std::min(raw.size(), raw.find_first_not_of(" \t")));
+  }
   try {
     const bool goOn = dispatch(command, argument);
     loop_->runPending();
@@ -271,6 +278,8 @@ bool PhoneSession::pageCommand(const std::string& command, const std::string& ar
   bool done = true;
   if (command == "type") {
     done = hand.type(argument, &failure);
+  } else if (command == "return") {
+    done = hand.pressReturn(argument, &failure);
   } else if (command == "begin-edit" || command == "end-edit") {
     done = hand.edit(argument, command == "begin-edit", &failure);
   } else if (command == "share") {

@@ -130,6 +130,13 @@ bool UiDriver::setEditing(const std::string& path, bool editing, Error* error) {
   return input && input->performSetEditing(editing, error);
 }
 
+bool UiDriver::pressReturn(const std::string& path, Error* error) {
+  auto input = reachableInput(path, error);
+  if (!input) return false;
+  input->pressReturn();
+  return true;
+}
+
 bool UiDriver::selectRow(const std::string& path, const IndexPath& indexPath, Error* error) {
   auto view = reachableView(path, error);
   if (!view) return false;

@@ -38,6 +38,8 @@ class UiDriver {
   bool setText(const std::string& path, const std::string& text, Error* error = nullptr);
   // The finger goes into a text input (begin) or leaves it (end), running its editing hooks.
   bool setEditing(const std::string& path, bool editing, Error* error = nullptr);
+  // Presses the keyboard's Return key in the text field or box at `path`.
+  bool pressReturn(const std::string& path, Error* error = nullptr);
   bool selectRow(const std::string& path, const IndexPath& indexPath, Error* error = nullptr);
   bool tapAlertAction(const std::string& title, Error* error = nullptr);
 

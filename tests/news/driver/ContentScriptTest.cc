@@ -77,6 +77,12 @@ TEST_F(ContentScriptTest, TextPagesFeedbackAndTheFullStory) {
   auto refused = play("type txtMessage Lovely ferries\ntap btnSubmit\nwait 3\n");
   ASSERT_EQ(refused.named("toast").size(), 1u);
   EXPECT_EQ(refused.named("toast")[0]["text"], Value("Please enter valid email id."));
+  // Return in the address ends its editing; a typed address keeps its blanks.
+  const auto keys = play("begin-edit txtEmail\nreturn txtEmail\nscreen\ntype txtEmail  spaced@example.org \nscreen\n")
+                        .named("screen");
+  ASSERT_EQ(keys.size(), 2u);
+  EXPECT_EQ(keys[0]["page"]["editing"], Value(""));
+  EXPECT_EQ(keys[1]["page"]["email"], Value(" spaced@example.org "));
   auto sent = play("type txtEmail reader@example.org\ntap btnSubmit\nsettle\nwait 1\nalert-tap OK\n");
   ASSERT_EQ(sent.named("alertShown").size(), 1u);
   EXPECT_EQ(sent.named("alertShown")[0]["info"]["message"], Value("Message sent successfully."));
