@@ -63,6 +63,10 @@ Value CardState::feed(platform::Application& application) {
       {"feedMode", Value(home->newsType())},
       {"feedTitle", Value(o.lblCategoryTitle->text())},
       {"bookmark", Value(home->bookmark())},
+      // The options panel's switches as they stand, open or not.
+      {"switches", Value::dictionary({{"night", Value(o.switchNightMode->isOn())},
+                                      {"hd", Value(o.switchHDImage->isOn())},
+                                      {"notification", Value(o.switchNotification->isOn())}})},
   });
   if (home->menu().isMenuOpen()) state.set("menu", rows(home->menu().arrMenuList()));
   if (home->menu().isOptionsOpen()) state.set("options", rows(home->menu().arrSettingsList()));

@@ -65,6 +65,9 @@ TEST_F(ReaderScriptTest, AReaderOnboardsAndReadsTheNews) {
   EXPECT_EQ(feed(screens[7])["feedTitle"], expanded.at(7));  // row 6 is the first category
   EXPECT_EQ(feed(screens[8])["card"]["titleColor"], Value("#FFFFFFFF"));
   EXPECT_EQ(feed(screens[8])["options"].count(), 5u);
+  EXPECT_EQ(feed(screens[8])["switches"],
+            Value::dictionary({{"night", Value(true)}, {"hd", Value(false)}, {"notification", Value(true)}}));
+  EXPECT_EQ(first["switches"]["night"], Value(false));
 
   // Every toast in order, each 1.8 s after the one before at the earliest.
   std::vector<std::string> texts;
