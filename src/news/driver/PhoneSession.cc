@@ -15,6 +15,7 @@
 #include "news/driver/PageGestures.h"
 #include "news/driver/PageState.h"
 #include "news/driver/ReaderGestures.h"
+#include "news/driver/StoreDump.h"
 #include "news/services/InstanceIDBridge.h"
 #include "news/store/NewsDatabaseFile.h"
 #include "news/support/ToastView.h"
@@ -264,6 +265,14 @@ bool PhoneSession::dispatch(const std::string& command, const std::string& argum
   } else if (command == "swipe" || command == "select" || command == "check" || command == "switch" ||
              command == "scroll") {
     gesture(command, argument);
+  } else if (command == "store-dump") {
+    std::string problem;
+    Value tables = dumpNewsStore(NewsDatabaseFile(fileSystem_).getDBPath(), &problem);
+    if (tables.isNil()) {
+      error("store-dump: " + problem);
+    } else {
+      printer_.print("storeDump", Value::dictionary({{"tables", tables}}));
+    }
   } else if (command == "memory-warning") {
     application_->receiveMemoryWarning();
   } else if (!pageCommand(command, argument)) {

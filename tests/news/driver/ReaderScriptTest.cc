@@ -32,7 +32,7 @@ TEST_F(ReaderScriptTest, AReaderOnboardsAndReadsTheNews) {
       "tap btnMenu\nselect 6\nsettle\nscreen\nselect 7\nsettle\nscreen\n"  // More, then the first category
       "tap btnRefresh\nsettle\n"
       "tap btnOption\nswitch night on\nswitch hd off\nscreen\n"
-      "wait 30\nquit\n");
+      "store-dump\nwait 30\nquit\n");
   ASSERT_EQ(run.status, 0);
   for (const Value& error : run.named("error")) ADD_FAILURE() << error["message"].string();
 
@@ -68,6 +68,15 @@ TEST_F(ReaderScriptTest, AReaderOnboardsAndReadsTheNews) {
   EXPECT_EQ(feed(screens[8])["switches"],
             Value::dictionary({{"night", Value(true)}, {"hd", Value(false)}, {"notification", Value(true)}}));
   EXPECT_EQ(first["switches"]["night"], Value(false));
+
+  // The file holds what was read: every story's columns, the cards seen marked "YES".
+  const auto dumps = run.named("storeDump");
+  ASSERT_EQ(dumps.size(), 1u);
+  const Value& stories = dumps[0]["tables"]["news_table"];
+  ASSERT_GT(stories.count(), 2u);
+  EXPECT_EQ(stories.at(0)["status"], Value("YES"));
+  EXPECT_EQ(stories.at(0).count(), 12u);
+  EXPECT_TRUE(dumps[0]["tables"]["bookmark_table"].isArray());
 
   // Every toast in order, each 1.8 s after the one before at the earliest.
   std::vector<std::string> texts;
