@@ -69,15 +69,25 @@ void Application::unregisterForRemoteNotifications() {
   events_->emit(std::move(event));
 }
 
-bool Application::canOpenURL(const std::string& url) const {
+bool Application::opens(const std::string& url) const {
   auto parsed = Url::parse(url);
   if (!parsed) return false;
   const auto& scheme = parsed->scheme();
   return scheme == "http" || scheme == "https" || installedSchemes_.count(scheme) != 0;
 }
 
+bool Application::canOpenURL(const std::string& url) const {
+  const bool answer = opens(url);
+  UiEvent event;
+  event.kind = UiEvent::Kind::UrlQueried;
+  event.text = url;
+  event.info = Value(answer);
+  events_->emit(std::move(event));
+  return answer;
+}
+
 bool Application::openURL(const std::string& url) {
-  if (!canOpenURL(url)) return false;
+  if (!opens(url)) return false;
   openedURLs_.push_back(url);
   UiEvent event;
   event.kind = UiEvent::Kind::UrlOpened;

@@ -77,6 +77,8 @@ class Application {
   // Installed apps by URL scheme ("chatapp"); http and https always open.
   void setInstalledSchemes(std::set<std::string> schemes) { installedSchemes_ = std::move(schemes); }
   void addInstalledScheme(const std::string& scheme) { installedSchemes_.insert(scheme); }
+  // The app asks whether some app takes the URL's scheme: the question and
+  // its answer are posted to the stream ("canOpenURL").
   bool canOpenURL(const std::string& url) const;
   // Opens the URL when some app takes its scheme: recorded, "urlOpened" posted, true.
   bool openURL(const std::string& url);
@@ -131,6 +133,7 @@ class Application {
   std::map<BackgroundTaskIdentifier, std::function<void()>> backgroundTasks_;
   BackgroundTaskIdentifier lastBackgroundTask_ = kBackgroundTaskInvalid;
 
+  bool opens(const std::string& url) const;
   void moveTo(ApplicationState state);
   void broadcast(const char* name);
   void reportBackgroundTask(const char* what, BackgroundTaskIdentifier identifier);

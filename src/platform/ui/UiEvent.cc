@@ -38,6 +38,8 @@ const char* UiEvent::kindName(Kind kind) {
       return "openInMenuShown";
     case Kind::BackgroundTask:
       return "backgroundTask";
+    case Kind::UrlQueried:
+      return "canOpenURL";
   }
   return "unknown";
 }

@@ -27,6 +27,7 @@ struct UiEvent {
     Toast,                           // text: the toast's text
     MemoryWarning,                   // the application received a memory warning
     BackgroundTask,                  // text: "began", "ended" or "expired"; number: the task's id
+    UrlQueried,                      // the app asked canOpenURL; text: the URL; info: the answer
     OpenInMenuShown,  // screen: the view it is shown from; text: the file URL; info: {url, UTI, rect: {x, y, width,
                       // height}}
   };

@@ -117,7 +117,8 @@ TEST_F(HomeSharingTest, ChatAppInstalledOpensWithTheFixedMessageAndPreparesTheOp
   ASSERT_TRUE(home_->outlets().shareTypeButtons[3]->performTap(nullptr));  // tag 4
   EXPECT_EQ(fixture_.app_->openedURLs(),
             std::vector<std::string>{std::string(ShareTexts::kChatAppScheme) + "://send?text=YOUR%20MSG"});
-  EXPECT_EQ(kinds(), (std::vector<std::string>{"urlOpened", "openInMenuShown"}));
+  // It asks before it opens, and asks again before the open-in menu.
+  EXPECT_EQ(kinds(), (std::vector<std::string>{"canOpenURL", "urlOpened", "canOpenURL", "openInMenuShown"}));
 
   auto jpeg = platform::AtomicFile::read(sharing().chatAppImagePath());
   ASSERT_TRUE(jpeg);

@@ -17,8 +17,10 @@ namespace {
 TEST(ApplicationTest, OpensOnlyInstalledSchemesAndWebAddresses) {
   Application app;
   std::vector<std::string> opened;
+  std::vector<std::string> asked;
   app.events()->subscribe([&](const UiEvent& e) {
     if (e.kind == UiEvent::Kind::UrlOpened) opened.push_back(e.text);
+    if (e.kind == UiEvent::Kind::UrlQueried) asked.push_back(e.text + (e.info.boolValue() ? " yes" : " no"));
   });
   app.setInstalledSchemes({"photoapp"});
   EXPECT_FALSE(app.canOpenURL("chatapp://app"));
@@ -28,6 +30,8 @@ TEST(ApplicationTest, OpensOnlyInstalledSchemesAndWebAddresses) {
   EXPECT_TRUE(app.openURL("HTTPS://example.test/app"));
   EXPECT_EQ(opened, (std::vector<std::string>{"photoapp://location?id=1", "HTTPS://example.test/app"}));
   EXPECT_EQ(app.openedURLs(), opened);
+  EXPECT_TRUE(app.canOpenURL("photoapp://app"));
+  EXPECT_EQ(asked, (std::vector<std::string>{"chatapp://app no", "photoapp://app yes"}));  // openURL asks nothing
 }
 
 TEST(ApplicationTest, EveryBadgeSetIsAnEventInOrder) {
