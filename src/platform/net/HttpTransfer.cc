@@ -72,20 +72,25 @@ HttpTransfer::HttpTransfer(HttpRequest request, std::shared_ptr<HttpDelivery> de
       startedAt_(options_.clock->monotonicSeconds()),
       lastActivity_(startedAt_) {}
 
-HttpTransfer::~HttpTransfer() {
-  if (easy_) curl_easy_cleanup(easy_);
-  curl_slist_free_all(headerList_);
+HttpTransfer::~HttpTransfer() = default;
+
+// A failed append leaves the list as it was (and owned here).
+void HttpTransfer::appendHeader(const std::string& line) {
+  curl_slist* longer = curl_slist_append(headerList_.get(), line.c_str());
+  if (longer == nullptr) return;
+  (void)headerList_.release();
+  headerList_.reset(longer);
 }
 
 bool HttpTransfer::prepare() {
   if (!easy_) {
-    easy_ = curl_easy_init();
+    easy_.reset(curl_easy_init());
     if (!easy_) {
       fail(HttpError::kUnknown);
       return false;
     }
   } else {
-    curl_easy_reset(easy_);
+    curl_easy_reset(easy_.get());
   }
   answer_ = HttpResponse();
   headersDone_ = false;
@@ -95,58 +100,57 @@ bool HttpTransfer::prepare() {
   trustRefused_ = false;
   lastActivity_ = options_.clock->monotonicSeconds();
 
-  curl_easy_setopt(easy_, CURLOPT_PRIVATE, this);
-  curl_easy_setopt(easy_, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(easy_, CURLOPT_URL, url_.c_str());
-  curl_easy_setopt(easy_, CURLOPT_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(easy_, CURLOPT_FOLLOWLOCATION, 0L);  // hops are followed here, one by one
-  curl_easy_setopt(easy_, CURLOPT_ACCEPT_ENCODING, "");
-  curl_easy_setopt(easy_, CURLOPT_HEADERFUNCTION, &HttpTransfer::headerCallback);
-  curl_easy_setopt(easy_, CURLOPT_HEADERDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_WRITEFUNCTION, &HttpTransfer::writeCallback);
-  curl_easy_setopt(easy_, CURLOPT_WRITEDATA, this);
-  curl_easy_setopt(easy_, CURLOPT_XFERINFOFUNCTION, &HttpTransfer::progressCallback);
-  curl_easy_setopt(easy_, CURLOPT_XFERINFODATA, this);
-  curl_easy_setopt(easy_, CURLOPT_NOPROGRESS, 0L);
-  curl_easy_setopt(easy_, CURLOPT_SSL_VERIFYPEER, 1L);
+  curl_easy_setopt(easy_.get(), CURLOPT_PRIVATE, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(easy_.get(), CURLOPT_URL, url_.c_str());
+  curl_easy_setopt(easy_.get(), CURLOPT_PROTOCOLS_STR, "http,https");
+  curl_easy_setopt(easy_.get(), CURLOPT_FOLLOWLOCATION, 0L);  // hops are followed here, one by one
+  curl_easy_setopt(easy_.get(), CURLOPT_ACCEPT_ENCODING, "");
+  curl_easy_setopt(easy_.get(), CURLOPT_HEADERFUNCTION, &HttpTransfer::headerCallback);
+  curl_easy_setopt(easy_.get(), CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_WRITEFUNCTION, &HttpTransfer::writeCallback);
+  curl_easy_setopt(easy_.get(), CURLOPT_WRITEDATA, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_XFERINFOFUNCTION, &HttpTransfer::progressCallback);
+  curl_easy_setopt(easy_.get(), CURLOPT_XFERINFODATA, this);
+  curl_easy_setopt(easy_.get(), CURLOPT_NOPROGRESS, 0L);
+  curl_easy_setopt(easy_.get(), CURLOPT_SSL_VERIFYPEER, 1L);
   if (request_.serverTrustHook) {
     // The hook judges the host name too. Its connections are its own: the
     // verdict (and the pointer the handshake calls back with) never reach
     // another request.
-    curl_easy_setopt(easy_, CURLOPT_SSL_VERIFYHOST, 0L);
-    curl_easy_setopt(easy_, CURLOPT_SSL_CTX_FUNCTION, &HttpTransfer::sslContextCallback);
-    curl_easy_setopt(easy_, CURLOPT_SSL_CTX_DATA, this);
-    curl_easy_setopt(easy_, CURLOPT_FRESH_CONNECT, 1L);
-    curl_easy_setopt(easy_, CURLOPT_FORBID_REUSE, 1L);
+    curl_easy_setopt(easy_.get(), CURLOPT_SSL_VERIFYHOST, 0L);
+    curl_easy_setopt(easy_.get(), CURLOPT_SSL_CTX_FUNCTION, &HttpTransfer::sslContextCallback);
+    curl_easy_setopt(easy_.get(), CURLOPT_SSL_CTX_DATA, this);
+    curl_easy_setopt(easy_.get(), CURLOPT_FRESH_CONNECT, 1L);
+    curl_easy_setopt(easy_.get(), CURLOPT_FORBID_REUSE, 1L);
   } else {
-    curl_easy_setopt(easy_, CURLOPT_SSL_VERIFYHOST, 2L);
+    curl_easy_setopt(easy_.get(), CURLOPT_SSL_VERIFYHOST, 2L);
   }
-  curl_easy_setopt(easy_, CURLOPT_CERTINFO, 1L);
-  if (!options_.caFile.empty()) curl_easy_setopt(easy_, CURLOPT_CAINFO, options_.caFile.c_str());
-  if (!options_.userAgent.empty()) curl_easy_setopt(easy_, CURLOPT_USERAGENT, options_.userAgent.c_str());
+  curl_easy_setopt(easy_.get(), CURLOPT_CERTINFO, 1L);
+  if (!options_.caFile.empty()) curl_easy_setopt(easy_.get(), CURLOPT_CAINFO, options_.caFile.c_str());
+  if (!options_.userAgent.empty()) curl_easy_setopt(easy_.get(), CURLOPT_USERAGENT, options_.userAgent.c_str());
 
   if (method_ == "GET" && body_.empty()) {
-    curl_easy_setopt(easy_, CURLOPT_HTTPGET, 1L);
+    curl_easy_setopt(easy_.get(), CURLOPT_HTTPGET, 1L);
   } else if (method_ == "HEAD") {
-    curl_easy_setopt(easy_, CURLOPT_NOBODY, 1L);
+    curl_easy_setopt(easy_.get(), CURLOPT_NOBODY, 1L);
   } else {
     if (method_ == "POST" || !body_.empty()) {
-      curl_easy_setopt(easy_, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body_.size()));
-      curl_easy_setopt(easy_, CURLOPT_POSTFIELDS, body_.empty() ? "" : reinterpret_cast<const char*>(body_.data()));
+      curl_easy_setopt(easy_.get(), CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body_.size()));
+      curl_easy_setopt(easy_.get(), CURLOPT_POSTFIELDS,
+                       body_.empty() ? "" : reinterpret_cast<const char*>(body_.data()));
     }
-    if (method_ != "POST") curl_easy_setopt(easy_, CURLOPT_CUSTOMREQUEST, method_.c_str());
+    if (method_ != "POST") curl_easy_setopt(easy_.get(), CURLOPT_CUSTOMREQUEST, method_.c_str());
   }
 
-  curl_slist_free_all(headerList_);
-  headerList_ = nullptr;
+  headerList_.reset();
   for (const auto& [name, value] : request_.headers.fields()) {
     // libcurl sends a field with an empty value only when written "Name;".
-    const std::string line = value.empty() ? name + ";" : name + ": " + value;
-    headerList_ = curl_slist_append(headerList_, line.c_str());
+    appendHeader(value.empty() ? name + ";" : name + ": " + value);
   }
   // No "Expect: 100-continue" pause before larger bodies unless asked for.
-  if (!request_.headers.contains("Expect")) headerList_ = curl_slist_append(headerList_, "Expect:");
-  curl_easy_setopt(easy_, CURLOPT_HTTPHEADER, headerList_);
+  if (!request_.headers.contains("Expect")) appendHeader("Expect:");
+  curl_easy_setopt(easy_.get(), CURLOPT_HTTPHEADER, headerList_.get());
   return true;
 }
 
@@ -254,7 +258,7 @@ void HttpTransfer::bodyBytes(const uint8_t* bytes, size_t size) {
 
 void HttpTransfer::readCertificateChain() {
   curl_certinfo* info = nullptr;
-  if (curl_easy_getinfo(easy_, CURLINFO_CERTINFO, &info) != CURLE_OK || !info) return;
+  if (curl_easy_getinfo(easy_.get(), CURLINFO_CERTINFO, &info) != CURLE_OK || !info) return;
   for (int i = 0; i < info->num_of_certs; ++i) {
     for (curl_slist* field = info->certinfo[i]; field; field = field->next) {
       const std::string_view text = field->data;
@@ -267,7 +271,7 @@ void HttpTransfer::readCertificateChain() {
 
 bool HttpTransfer::followRedirect() {
   char* location = nullptr;
-  if (curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &location) != CURLE_OK || !location) return false;
+  if (curl_easy_getinfo(easy_.get(), CURLINFO_REDIRECT_URL, &location) != CURLE_OK || !location) return false;
   const std::string next = location;
   if (request_.redirectHook && !request_.redirectHook(answer_, next)) return false;
   const int status = answer_.statusCode;

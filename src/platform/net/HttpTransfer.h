@@ -31,7 +31,7 @@ class HttpTransfer {
   // Sets the easy handle up for the current hop; false (and the request
   // failed) when libcurl refuses the set-up.
   bool prepare();
-  CURL* handle() const { return easy_; }
+  CURL* handle() const { return easy_.get(); }
   HttpDelivery& delivery() { return *delivery_; }
 
   // The hop ended with `result`. True when another hop (a redirect) is due:
@@ -60,8 +60,17 @@ class HttpTransfer {
   HttpRequest request_;
   std::shared_ptr<HttpDelivery> delivery_;
   HttpSessionOptions options_;
-  CURL* easy_ = nullptr;
-  curl_slist* headerList_ = nullptr;
+  // The C handles, freed by their owners.
+  struct EasyHandleFree {
+    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+  };
+  struct HeaderListFree {
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+  };
+  void appendHeader(const std::string& line);
+
+  std::unique_ptr<CURL, EasyHandleFree> easy_;
+  std::unique_ptr<curl_slist, HeaderListFree> headerList_;
 
   // The current hop.
   std::string url_;
