@@ -22,16 +22,27 @@ void Window::showRoot(const std::shared_ptr<ViewController>& oldRoot, const std:
   if (root_) root_->loadViewIfNeeded();
   if (oldRoot) oldRoot->beginAppearanceTransition(false, false);
   if (root_) root_->beginAppearanceTransition(true, false);
-  UiEvent event;
-  event.kind = UiEvent::Kind::ScreenReplaced;
-  if (auto top = topScreen()) event.screen = top->identifier();
-  event.previous = oldTop;
-  Value ids = Value::array({});
-  for (const auto& id : stackIdentifiers()) ids.append(Value(id));
-  event.info = std::move(ids);
-  events_->emit(std::move(event));
+  auto top = topScreen();
+  postReplaced(top ? top->identifier() : "", oldTop, stackOf(root_.get()));
   if (oldRoot) oldRoot->endAppearanceTransition();
   if (root_) root_->endAppearanceTransition();
+}
+
+void Window::postReplaced(const std::string& top, const std::string& previous, Value stack) {
+  UiEvent event;
+  event.kind = UiEvent::Kind::ScreenReplaced;
+  event.screen = top;
+  event.previous = previous;
+  event.info = std::move(stack);
+  events_->emit(std::move(event));
+}
+
+Value Window::stackOf(const ViewController* root) {
+  Value ids = Value::array({});
+  if (root) {
+    for (const auto& id : root->stackIdentifiers()) ids.append(Value(id));
+  }
+  return ids;
 }
 
 void Window::setRootViewController(std::shared_ptr<ViewController> root) {
@@ -43,7 +54,11 @@ void Window::setRootViewController(std::shared_ptr<ViewController> root) {
   }
   root_ = std::move(root);
   if (root_) root_->window_ = this;
-  if (visible_) showRoot(oldRoot, oldTop);
+  if (visible_) {
+    showRoot(oldRoot, oldTop);
+  } else if (oldRoot) {
+    hiddenRoots_.push_back({oldTop, stackOf(oldRoot.get())});
+  }
   if (oldRoot) oldRoot->window_ = nullptr;
   // oldRoot, and with it the old stack, is released here.
 }
@@ -51,7 +66,13 @@ void Window::setRootViewController(std::shared_ptr<ViewController> root) {
 void Window::makeKeyAndVisible() {
   if (visible_) return;
   visible_ = true;
-  showRoot(nullptr, "");
+  std::string previous;
+  for (auto& hidden : hiddenRoots_) {
+    postReplaced(hidden.top, previous, std::move(hidden.stack));
+    previous = hidden.top;
+  }
+  hiddenRoots_.clear();
+  showRoot(nullptr, previous);
 }
 
 }  // namespace quillet::platform

@@ -28,6 +28,8 @@ class Window {
   // screens while appearing follow it in the stream.
   void setRootViewController(std::shared_ptr<ViewController> root);
   // Shows the window and its root (which appears, posting "screenReplaced").
+  // Roots set and replaced before the window showed are reported first, in
+  // the order they were set, each as a "screenReplaced" of its own.
   void makeKeyAndVisible();
   bool isVisible() const { return visible_; }
 
@@ -42,6 +44,15 @@ class Window {
 
  private:
   void showRoot(const std::shared_ptr<ViewController>& oldRoot, const std::string& oldTop);
+  void postReplaced(const std::string& top, const std::string& previous, Value stack);
+  static Value stackOf(const ViewController* root);
+
+  // A root that was set and replaced while the window was hidden: its top and stack then.
+  struct HiddenRoot {
+    std::string top;
+    Value stack;
+  };
+  std::vector<HiddenRoot> hiddenRoots_;
 
   std::shared_ptr<UiEvents> events_;
   std::shared_ptr<ViewController> root_;

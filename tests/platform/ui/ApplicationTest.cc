@@ -164,6 +164,24 @@ class HomeScreen : public ViewController {
   }
 };
 
+TEST(ApplicationTest, RootsSetBeforeTheWindowShowsAreReportedWhenItShowsInOrder) {
+  Application app;
+  std::vector<Value> replaced;
+  app.events()->subscribe([&](const UiEvent& e) {
+    if (e.kind == UiEvent::Kind::ScreenReplaced) replaced.push_back(e.toValue());
+  });
+  app.window().setRootViewController(std::make_shared<ViewController>("SplashVC"));
+  app.window().setRootViewController(std::make_shared<NavigationController>(std::make_shared<HomeScreen>()));
+  EXPECT_TRUE(replaced.empty());
+  app.window().makeKeyAndVisible();
+  ASSERT_EQ(replaced.size(), 2u);
+  EXPECT_EQ(replaced[0]["screen"], Value("SplashVC"));
+  EXPECT_TRUE(replaced[0]["previous"].isNil());
+  EXPECT_EQ(replaced[1]["screen"], Value("HomeVC"));
+  EXPECT_EQ(replaced[1]["previous"], Value("SplashVC"));
+  EXPECT_EQ(replaced[1]["info"], Value::array({"HomeVC"}));
+}
+
 TEST(ApplicationTest, SnapshotAndDriverSeeOnlyTheTopScreen) {
   Application app;
   auto home = std::make_shared<HomeScreen>();
