@@ -40,6 +40,8 @@ const char* UiEvent::kindName(Kind kind) {
       return "backgroundTask";
     case Kind::UrlQueried:
       return "canOpenURL";
+    case Kind::TransitionAdded:
+      return "transition";
   }
   return "unknown";
 }

@@ -28,6 +28,7 @@ struct UiEvent {
     MemoryWarning,                   // the application received a memory warning
     BackgroundTask,                  // text: "began", "ended" or "expired"; number: the task's id
     UrlQueried,                      // the app asked canOpenURL; text: the URL; info: the answer
+    TransitionAdded,  // screen: the view's name; text: the type; info: {subtype, duration, timingFunction}
     OpenInMenuShown,  // screen: the view it is shown from; text: the file URL; info: {url, UTI, rect: {x, y, width,
                       // height}}
   };

@@ -2,9 +2,23 @@
 
 #include <algorithm>
 
+#include "platform/ui/Application.h"
 #include "platform/ui/UiError.h"
+#include "platform/ui/UiEvent.h"
 
 namespace quillet::platform {
+
+void View::addTransition(ViewTransition transition) {
+  UiEvent event;
+  event.kind = UiEvent::Kind::TransitionAdded;
+  event.screen = name_;
+  event.text = transition.type;
+  event.info = Value::dictionary({{"subtype", Value(transition.subtype)},
+                                  {"duration", Value(transition.duration)},
+                                  {"timingFunction", Value(transition.timingFunction)}});
+  transition_ = std::move(transition);
+  Application::sharedApplication().events()->emit(std::move(event));
+}
 
 View::View(std::string name) : name_(std::move(name)) {}
 

@@ -48,9 +48,11 @@ class View : public std::enable_shared_from_this<View> {
   void setTag(int tag) { tag_ = tag; }
   double cornerRadius() const { return cornerRadius_; }
   void setCornerRadius(double radius) { cornerRadius_ = radius; }
-  // The last transition added to the view's layer, if any.
+  // The last transition added to the view's layer, if any. Adding one posts
+  // "transition" to the shared application's event stream, as the phone's
+  // animation system plays it.
   const std::optional<ViewTransition>& transition() const { return transition_; }
-  void addTransition(ViewTransition transition) { transition_ = std::move(transition); }
+  void addTransition(ViewTransition transition);
   bool isUserInteractionEnabled() const { return userInteractionEnabled_; }
   void setUserInteractionEnabled(bool enabled) { userInteractionEnabled_ = enabled; }
 

@@ -3,6 +3,7 @@
 // refresh, the settings, and the toasts with their timing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,15 @@ TEST_F(ReaderScriptTest, AReaderOnboardsAndReadsTheNews) {
   EXPECT_EQ(feed(screens[8])["switches"],
             Value::dictionary({{"night", Value(true)}, {"hd", Value(false)}, {"notification", Value(true)}}));
   EXPECT_EQ(first["switches"]["night"], Value(false));
+
+  // Each swipe slides the card: to the next story from the right, back from the left.
+  std::vector<std::string> slides;
+  for (const Value& event : run.named("transition")) {
+    if (event["screen"] == Value("swipeView")) slides.push_back(event["info"]["subtype"].string());
+  }
+  ASSERT_GE(slides.size(), 2u);
+  EXPECT_NE(std::find(slides.begin(), slides.end(), "fromRight"), slides.end());
+  EXPECT_NE(std::find(slides.begin(), slides.end(), "fromLeft"), slides.end());
 
   // The file holds what was read: every story's columns, the cards seen marked "YES".
   const auto dumps = run.named("storeDump");
