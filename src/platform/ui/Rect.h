@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/value/Value.h"
+
 namespace quillet::platform {
 
 // A frame in points: origin and size. Plain data.
@@ -14,5 +16,11 @@ struct Rect {
 
   bool operator==(const Rect&) const = default;
 };
+
+// {x, y, width, height}, as snapshots print a frame.
+inline Value frameValue(const Rect& rect) {
+  return Value::dictionary(
+      {{"x", Value(rect.x)}, {"y", Value(rect.y)}, {"width", Value(rect.width)}, {"height", Value(rect.height)}});
+}
 
 }  // namespace quillet::platform

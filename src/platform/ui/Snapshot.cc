@@ -25,6 +25,8 @@ Value Snapshot::take(Application& application) {
       out.set("navigationBarHidden", Value(navigation->isNavigationBarHidden()));
     }
     out.set("outlets", outletsOf(*top));
+    // The screen's own view: a form that moves while a field is edited moves this frame.
+    if (top->isViewLoaded() && top->view()->frame()) out.set("viewFrame", frameValue(*top->view()->frame()));
   }
   if (auto alert = std::dynamic_pointer_cast<AlertController>(window.visibleAlert())) {
     out.set("alert", alert->describe());

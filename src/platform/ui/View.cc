@@ -121,6 +121,7 @@ Value View::describe() const {
   if (alpha_ != 1.0) out.set("alpha", Value(alpha_));
   if (backgroundColor_) out.set("backgroundColor", Value(backgroundColor_->hex()));
   if (tag_ != 0) out.set("tag", Value(tag_));
+  if (frame_) out.set("frame", frameValue(*frame_));
   if (transition_) out.set("transition", Value(transition_->type + " " + transition_->subtype));
   describeState(out);
   return out;

@@ -63,11 +63,15 @@ TEST_F(ContentScriptTest, TextPagesFeedbackAndTheFullStory) {
 
   // Feedback: the hint goes while the message is edited, the view moves up,
   // a bad address is refused with a toast, a good one is sent and stored.
-  const Value editing = play(
-                            "tap btnBack\nwait 1\nselect 2\nwait 1\ntype txtEmail not-an-address\n"
-                            "begin-edit txtMessage\nwait 1\nscreen\n")
-                            .named("screen")
-                            .at(0)["page"];
+  const Value editingScreen = play(
+                                  "tap btnBack\nwait 1\nselect 2\nwait 1\ntype txtEmail not-an-address\n"
+                                  "begin-edit txtMessage\nwait 1\nscreen\n")
+                                  .named("screen")
+                                  .at(0);
+  const Value& editing = editingScreen["page"];
+  // The move shows in the frames: the form's view goes up by the offset; its fields stay put within it.
+  EXPECT_EQ(editingScreen["snapshot"]["viewFrame"]["y"].doubleValue(), -editing["viewOffset"].doubleValue());
+  EXPECT_TRUE(editingScreen["snapshot"]["outlets"]["txtEmail"]["frame"].isDictionary());
   EXPECT_EQ(editing["editing"], Value("txtMessage"));
   EXPECT_EQ(editing["message"], Value(""));
   EXPECT_GT(editing["viewOffset"].doubleValue(), 0);
