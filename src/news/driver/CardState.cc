@@ -31,6 +31,13 @@ Value medium(HomeOutlets& o) {
                                       {"quality", Value(stringForPlaybackQuality(heard.quality))},
                                       {"playTime", Value(static_cast<double>(heard.playTime))}});
     if (heard.error) player.set("error", Value(playerErrorName(*heard.error)));
+    // Where its page comes from, and every script the player has run in it, in order.
+    player.set("origin", Value(o.playerView->originURL()));
+    Value scripts = Value::Array{};
+    if (const auto& web = o.playerView->webView()) {
+      for (const auto& script : web->evaluatedScripts()) scripts.append(Value(script));
+    }
+    player.set("scripts", std::move(scripts));
     return player;
   }
   return Value::dictionary({{"kind", Value("none")}});

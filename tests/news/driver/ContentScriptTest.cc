@@ -149,6 +149,8 @@ TEST_F(ContentScriptTest, SharingThePlayerAndTheScreenshot) {
   ASSERT_EQ(media["kind"], Value("inlineVideo"));
   EXPECT_EQ(media["videoId"], Value("qt009_Demo-2"));
   EXPECT_EQ(media["ready"], Value(true));  // the page's own onReady
+  EXPECT_FALSE(media["origin"].string().empty());
+  EXPECT_TRUE(media["scripts"].isArray());
   media = play(
               "page-event onStateChange 1\npage-event onPlaybackQualityChange hd720\npage-event onPlayTime 12.5\n"
               "screen\n")
