@@ -26,6 +26,9 @@ int main(int argc, char** argv) {
   std::string script;
   app.add_option("--script", script, "Read commands from this file instead of standard input");
   app.add_flag("--log", options.log, "Also print the process log as events");
+  app.add_option("--log-level", options.logLevel,
+                 "With --log (implied): show the subsystems' lines from this level up, past their own filters")
+      ->check(CLI::IsMember({"debug", "info", "error"}));
   std::string screen = "375x667";
   app.add_option("--screen", screen, "The phone's screen in points, WIDTHxHEIGHT")->capture_default_str();
   app.add_option("--scale", options.screenScale, "Pixels per point of the screen")
@@ -54,6 +57,7 @@ int main(int argc, char** argv) {
   bool version = false;
   app.add_flag("--version", version, "Print the version and exit");
   CLI11_PARSE(app, argc, argv);
+  if (!options.logLevel.empty()) options.log = true;
 
   if (version) {
     std::cout << "quillet 0.1.0\n";

@@ -50,6 +50,11 @@ void InstanceIDLogger::setWriter(std::shared_ptr<InstanceIDLogWriter> writer) {
   writer_ = std::move(writer);
 }
 
+void InstanceIDLogger::setShownLevel(std::optional<InstanceIDLogLevel> level) {
+  std::lock_guard lock(mutex_);
+  shownLevel_ = level;
+}
+
 void InstanceIDLogger::setFormatter(std::shared_ptr<InstanceIDLogFormatter> formatter) {
   std::lock_guard lock(mutex_);
   formatter_ = std::move(formatter);
@@ -59,14 +64,16 @@ void InstanceIDLogger::log(const std::string& func, const std::string& message, 
   std::shared_ptr<InstanceIDLogFilter> filter;
   std::shared_ptr<InstanceIDLogWriter> writer;
   std::shared_ptr<InstanceIDLogFormatter> formatter;
+  bool shown = false;
   {
     std::lock_guard lock(mutex_);
     filter = filter_;
     writer = writer_;
     formatter = formatter_;
+    shown = shownLevel_ && static_cast<int8_t>(level) >= static_cast<int8_t>(*shownLevel_);
   }
   const std::string line = formatter ? formatter->stringForFunc(func, message, level) : message;
-  if (filter && !filter->filterAllowsMessage(line, level)) return;
+  if (!shown && filter && !filter->filterAllowsMessage(line, level)) return;
   if (writer) writer->logMessage(line, level);
 }
 

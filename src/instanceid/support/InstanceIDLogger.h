@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "instanceid/support/InstanceIDLogFilter.h"
@@ -21,6 +22,10 @@ class InstanceIDLogger {
   void setFilter(std::shared_ptr<InstanceIDLogFilter> filter);
   void setWriter(std::shared_ptr<InstanceIDLogWriter> writer);
   void setFormatter(std::shared_ptr<InstanceIDLogFormatter> formatter);
+  // A watcher's level (the phone driver's --log-level): messages at or above
+  // it are written even when the filter refuses them, so that every level
+  // the subsystem writes can be seen. nullopt: the filter alone decides.
+  void setShownLevel(std::optional<InstanceIDLogLevel> level);
 
   void logFuncDebug(const std::string& func, const std::string& message) {
     log(func, message, InstanceIDLogLevel::Debug);
@@ -43,6 +48,7 @@ class InstanceIDLogger {
   std::shared_ptr<InstanceIDLogFilter> filter_;
   std::shared_ptr<InstanceIDLogWriter> writer_;
   std::shared_ptr<InstanceIDLogFormatter> formatter_;
+  std::optional<InstanceIDLogLevel> shownLevel_;
 };
 
 // Shorthands for the subsystem's code: the calling function's name is passed along.

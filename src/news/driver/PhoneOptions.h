@@ -16,6 +16,7 @@ struct PhoneOptions {
   bool virtualClock = false;     // a ManualClock main loop driven by "wait"
   bool json = false;             // one JSON object per line
   bool log = false;              // also print the process log as "log" events
+  std::string logLevel;          // with log: "debug", "info" or "error" ("" = each subsystem's own filter)
   double screenWidth = 375;      // the phone's screen in points, and its scale
   double screenHeight = 667;
   double screenScale = 2;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "instanceid/support/InstanceIDEnvironment.h"
+#include "instanceid/support/InstanceIDLogger.h"
 #include "news/app/AppKeys.h"
 #include "news/app/MainStoryboard.h"
 #include "news/driver/CardState.h"
@@ -91,6 +92,13 @@ PhoneSession::PhoneSession(PhoneOptions options, std::ostream& out)
   ToastView::dropQueue();
   describeAppAndDevice();
 
+  if (options_.log && !options_.logLevel.empty()) {
+    using instanceid::InstanceIDLogLevel;
+    const InstanceIDLogLevel level = options_.logLevel == "debug"  ? InstanceIDLogLevel::Debug
+                                     : options_.logLevel == "info" ? InstanceIDLogLevel::Info
+                                                                   : InstanceIDLogLevel::Error;
+    instanceid::InstanceIDLogger::shared().setShownLevel(level);
+  }
   if (options_.log) {
     logSink_ = platform::Log::addSink([this](const platform::LogRecord& record) {
       std::lock_guard lock(logMutex_);
@@ -121,6 +129,7 @@ PhoneSession::~PhoneSession() {
   application_->setDelegate(nullptr);
   ToastView::dropQueue();
   if (logSink_ >= 0) platform::Log::removeSink(logSink_);
+  instanceid::InstanceIDLogger::shared().setShownLevel(std::nullopt);
   platform::ReachabilitySource::setOverride(platform::ReachabilityOverride::Automatic);
   platform::MailComposeViewController::setCanSendMail(false);
   platform::Device::current() = platform::Device{};

@@ -46,6 +46,14 @@ TEST(InstanceIDLoggerTest, MessagesAreFormattedWithTimeAndNameThenFilteredThenWr
       << line;
   EXPECT_TRUE(line.ends_with(": InstanceID | Save InstanceID library version 1.1.7")) << line;
 
+  // A watcher's level shows what the filter drops, debug lines included.
+  logger.setShownLevel(InstanceIDLogLevel::Debug);
+  iidLogDebug("shown to the watcher");
+  logger.setShownLevel(std::nullopt);
+  iidLogDebug("hidden again");
+  ASSERT_EQ(writer->lines.size(), 3u);
+  EXPECT_TRUE(writer->lines[2].ends_with("| shown to the watcher")) << writer->lines[2];
+
   logger.setFilter(std::make_shared<InstanceIDLogLevelFilter>(2));
   logger.setWriter(std::make_shared<InstanceIDLogStandardWriter>());
   logger.setFormatter(std::make_shared<InstanceIDLogStandardFormatter>());
