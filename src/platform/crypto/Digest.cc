@@ -21,8 +21,6 @@ Digest::Sha1 Digest::sha1(std::span<const uint8_t> data) { return digest<20>(EVP
 Digest::Md5 Digest::md5(std::span<const uint8_t> data) { return digest<16>(EVP_md5(), data); }
 Digest::Sha256 Digest::sha256(std::span<const uint8_t> data) { return digest<32>(EVP_sha256(), data); }
 
-std::string Digest::hex(std::span<const uint8_t> data) {
-  return hexString(data);
-}
+std::string Digest::hex(std::span<const uint8_t> data) { return hexString(data); }
 
 }  // namespace quillet::platform
