@@ -9,6 +9,7 @@
 #include <future>
 #include <thread>
 
+#include "backend/authority/BackgroundListener.h"
 #include "backend/relay/RelaySession.h"
 #include "platform/log/Log.h"
 
@@ -108,7 +109,13 @@ bool RelayServer::start(platform::Error* error) {
                     : (impl.http.bind_to_port(impl.options.host, impl.options.adminPort) ? impl.options.adminPort : -1);
     if (bound <= 0) return fail("relay server: cannot listen for the admin interface");
     impl.boundAdminPort = bound;
-    impl.httpThread = std::thread([&impl] { impl.http.listen_after_bind(); });
+    bool listening = false;
+    impl.httpThread = listenInBackground(impl.http, &listening);
+    if (!listening) {
+      impl.httpThread.join();
+      impl.boundAdminPort = 0;
+      return fail("relay server: the admin interface did not start");
+    }
   }
   impl.accept();
   impl.running = true;
