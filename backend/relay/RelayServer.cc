@@ -25,6 +25,8 @@ struct RelayServer::Impl {
   // Runs `task` on the io thread and waits for it.
   void onIoThread(const std::function<void()>& task);
   void forEachSession(const std::function<void(RelaySession&)>& task);
+  // Queues the message for the device and hands it to the device's signed-in sessions; its persistent id.
+  std::string queueAndDeliver(const std::string& device, messaging::RelayDataMessageStanza stanza);
   void answerQueue(const httplib::Request& request, httplib::Response& response);
   void answerList(httplib::Response& response);
   void answerControl(const httplib::Request& request, httplib::Response& response);
@@ -149,12 +151,16 @@ std::string RelayServer::adminUrl() const {
   return "http://" + impl_->options.host + ":" + std::to_string(impl_->boundAdminPort);
 }
 
-std::string RelayServer::queueDataMessage(const std::string& device, messaging::RelayDataMessageStanza stanza) {
-  std::string persistentId = impl_->mailbox.queue(device, std::move(stanza));
-  impl_->forEachSession([&](RelaySession& session) {
+std::string RelayServer::Impl::queueAndDeliver(const std::string& device, messaging::RelayDataMessageStanza stanza) {
+  std::string persistentId = mailbox.queue(device, std::move(stanza));
+  forEachSession([&](RelaySession& session) {
     if (session.isSignedIn() && session.device() == device) session.deliverHeld();
   });
   return persistentId;
+}
+
+std::string RelayServer::queueDataMessage(const std::string& device, messaging::RelayDataMessageStanza stanza) {
+  return impl_->queueAndDeliver(device, std::move(stanza));
 }
 
 void RelayServer::setCredential(const std::string& device, const std::string& secret) {
@@ -204,10 +210,7 @@ void RelayServer::Impl::answerQueue(const httplib::Request& request, httplib::Re
   }
   if (body.value("immediateAck", false)) stanza.set_immediateack(true);
   const std::string device = body["device"].get<std::string>();
-  std::string persistentId = mailbox.queue(device, std::move(stanza));
-  forEachSession([&](RelaySession& session) {
-    if (session.isSignedIn() && session.device() == device) session.deliverHeld();
-  });
+  const std::string persistentId = queueAndDeliver(device, std::move(stanza));
   response.set_content(nlohmann::json{{"persistentId", persistentId}}.dump(), "application/json");
 }
 
