@@ -4,7 +4,6 @@
 
 #include "platform/clock/Clock.h"
 #include "platform/crypto/Uuid.h"
-#include "platform/device/AppBundle.h"
 #include "platform/files/FileSystem.h"
 #include "platform/text/DeviceLocale.h"
 #include "support/TempDir.h"
@@ -36,24 +35,6 @@ TEST(DeviceInfoTest, UptimeFollowsTheClockAndTheOffsetFollowsTheZoneAndTheDate) 
   DeviceLocale::setTimeZoneId("UTC");
   EXPECT_EQ(DeviceInfo::timeZoneOffsetMinutes(1'768'000'000.0), 0);
   DeviceLocale::setTimeZoneId(std::nullopt);
-}
-
-TEST(DeviceInfoTest, TheBundleAndTheDeviceAreWhatTheDriverSet) {
-  AppBundle bundle;
-  bundle.shortVersionString = "2.0";
-  bundle.bundleVersion = "20";
-  AppBundle::setMain(bundle);
-  DeviceInfo device;
-  device.systemVersion = "10.2";
-  device.arguments = {"-MTRDebugEnabled"};
-  DeviceInfo::setCurrent(device);
-  EXPECT_EQ(AppBundle::main().shortVersionString, "2.0");
-  EXPECT_EQ(AppBundle::main().bundleIdentifier, "app.quillet.news");
-  EXPECT_EQ(DeviceInfo::current().arguments, std::vector<std::string>{"-MTRDebugEnabled"});
-  AppBundle::setMain({});
-  DeviceInfo::setCurrent({});
-  EXPECT_EQ(AppBundle::main().shortVersionString, "1.0");
-  EXPECT_TRUE(DeviceInfo::current().arguments.empty());
 }
 
 }  // namespace

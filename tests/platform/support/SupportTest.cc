@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/support/SharedSlot.h"
 #include "platform/support/Text.h"
 
 namespace quillet::platform {
@@ -17,26 +16,6 @@ TEST(SupportTest, TrimAndHex) {
   EXPECT_EQ(hexString(bytes), "000aff5c");
   EXPECT_EQ(hexString(bytes, true), "000AFF5C");
   EXPECT_EQ(hexString({}), "");
-}
-
-struct Counter {
-  int made = 0;
-};
-
-TEST(SupportTest, ASharedSlotMakesOnceUntilSetAndASetOneWins) {
-  int makes = 0;
-  auto make = [&] {
-    ++makes;
-    return std::make_shared<Counter>();
-  };
-  auto first = SharedSlot<Counter>::get(make);
-  EXPECT_EQ(SharedSlot<Counter>::get(make), first);
-  EXPECT_EQ(makes, 1);
-  auto installed = std::make_shared<Counter>();
-  SharedSlot<Counter>::set(installed);
-  EXPECT_EQ(SharedSlot<Counter>::get(make), installed);
-  SharedSlot<Counter>::set(nullptr);
-  EXPECT_EQ(SharedSlot<Counter>::get(nullptr), nullptr);
 }
 
 }  // namespace
